@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The two kinds of time. An instant and a length are different types, so that they cannot be mixed up;
+// both are double-precision seconds, in memory and in the database.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace kestu {
+
+/// A length of time in seconds.
+using Seconds = std::chrono::duration<double>;
+
+/// A point on the wall clock: seconds since the Unix epoch.
+using Instant = std::chrono::sys_time<Seconds>;
+
+/// What gives "now". Passed in wherever the time is needed, so that tests can play a whole day.
+using Clock = std::function<Instant()>;
+
+[[nodiscard]] constexpr Instant instantAt(double epochSeconds) {
+    return Instant{Seconds{epochSeconds}};
+}
+
+[[nodiscard]] constexpr double epochSeconds(Instant instant) {
+    return instant.time_since_epoch().count();
+}
+
+/// The system's wall clock.
+[[nodiscard]] inline Instant systemNow() {
+    return std::chrono::time_point_cast<Seconds>(std::chrono::system_clock::now());
+}
+
+} // namespace kestu

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Everything that the system must give, in one hand. main creates one; tests create a fake.
+#pragma once
+
+namespace kestu {
+
+class BrowserScripting;
+class DisplayAssertions;
+class LoginItem;
+class Opener;
+class SettingsStore;
+class SystemEvents;
+class UserInput;
+class Workspace;
+
+class Platform {
+public:
+    virtual ~Platform() = default;
+
+    [[nodiscard]] virtual Workspace& workspace() = 0;
+    [[nodiscard]] virtual BrowserScripting& browserScripting() = 0;
+    [[nodiscard]] virtual UserInput& userInput() = 0;
+    [[nodiscard]] virtual DisplayAssertions& displayAssertions() = 0;
+    [[nodiscard]] virtual SystemEvents& systemEvents() = 0;
+    [[nodiscard]] virtual SettingsStore& settingsStore() = 0;
+    [[nodiscard]] virtual LoginItem& loginItem() = 0;
+    [[nodiscard]] virtual Opener& opener() = 0;
+};
+
+} // namespace kestu

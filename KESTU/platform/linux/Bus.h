@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// One question on a D-Bus, with a deadline. QDBusInterface introspects and may block for 25 seconds, and a
+// call to a service that is not running would start it: neither may happen inside a tick.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDeadlineTimer>
+#include <QString>
+#include <QVariantList>
+
+#include <optional>
+
+namespace kestu {
+
+struct BusMethod {
+    QString service;
+    QString path;
+    QString interface;
+    QString method;
+};
+
+/// The arguments of the reply; absent on any error, and when the answer is not there by `deadline`.
+[[nodiscard]] std::optional<QVariantList> callBus(const QDBusConnection& bus, const BusMethod& method,
+                                                  const QVariantList& arguments,
+                                                  const QDeadlineTimer& deadline);
+
+/// A property's value through org.freedesktop.DBus.Properties; absent as for callBus.
+[[nodiscard]] std::optional<QVariant> busProperty(const QDBusConnection& bus, const QString& service,
+                                                  const QString& path, const QString& interface,
+                                                  const QString& property, const QDeadlineTimer& deadline);
+
+} // namespace kestu

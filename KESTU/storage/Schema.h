@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The numbered steps that bring any older file up to the current schema. The schema is a contract with
+// the assistant's process, which opens the same file: names, types and defaults must not drift.
+#pragma once
+
+namespace kestu {
+
+class Database;
+
+inline constexpr int currentSchemaVersion = 3;
+
+/// Runs the steps that the file still lacks, each in a transaction of its own. A file of a newer version
+/// is left as it is.
+/// @throws DatabaseError when a step fails; the file then stays at the version before that step.
+void migrate(Database& database);
+
+} // namespace kestu
