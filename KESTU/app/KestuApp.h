@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The start and the stop: what runs while KESTU runs, brought up and taken down in order. main owns it.
+#pragma once
+
+#include "base/Time.h"
+#include "capture/Tracker.h"
+#include "storage/Repository.h"
+
+#include <memory>
+
+namespace kestu {
+
+class Platform;
+
+class KestuApp final {
+public:
+    /// Takes over the opened store; `platform` outlives this.
+    KestuApp(std::unique_ptr<Repository> repository, Platform& platform, Clock clock);
+
+    /// Launching has finished: starts recording.
+    void start();
+
+    /// The application ends: closes the open activity at this moment.
+    void stop();
+
+private:
+    std::unique_ptr<Repository> m_repository;
+    Tracker m_tracker;
+};
+
+/// What the user is told when the store cannot be opened.
+[[nodiscard]] QString storeFailureMessage(const DatabaseError& error);
+
+} // namespace kestu

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/ActiveWindow.h"
+
+#include "platform/linux/X11Text.h"
+
+#include <QList>
+#include <QSysInfo>
+
+#include <xcb/res.h>
+
+#include <cstring>
+
+namespace kestu {
+namespace {
+
+std::uint32_t firstCard32(const XProperty& property) {
+    std::uint32_t value = 0;
+    if (property.bytes.size() >= static_cast<qsizetype>(sizeof value)) {
+        std::memcpy(&value, property.bytes.constData(), sizeof value);
+    }
+    return value;
+}
+
+/// Whether the server can name the process behind a window (XRes from version 1.2).
+bool canNameProcesses(const Xcb& xcb) {
+    if (!xcb.has(xcb_res_id)) {
+        return false;
+    }
+    const auto cookie = xcb_res_query_version(xcb.connection(), 1, 2);
+    const XcbReply<xcb_res_query_version_reply_t> version(
+        xcb_res_query_version_reply(xcb.connection(), cookie, nullptr));
+    return version && (version->server_major > 1 || version->server_minor >= 2);
+}
+
+std::int64_t localClientPid(const Xcb& xcb, xcb_res_query_client_ids_cookie_t cookie) {
+    xcb_generic_error_t* error = nullptr;
+    const XcbReply<xcb_res_query_client_ids_reply_t> reply(
+        xcb_res_query_client_ids_reply(xcb.connection(), cookie, &error));
+    std::free(error);
+    if (!reply) {
+        return 0;
+    }
+    for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
+         xcb_res_client_id_value_next(&ids)) {
+        if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(ids.data) > 0) {
+            return *xcb_res_client_id_value_value(ids.data);
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+ActiveWindowReader::ActiveWindowReader(const Xcb& xcb)
+    : m_xcb(xcb)
+    , m_hasResources(canNameProcesses(xcb))
+    , m_hostName(QSysInfo::machineHostName().toUtf8())
+    , m_activeWindow(xcb.atom("_NET_ACTIVE_WINDOW"))
+    , m_netWmName(xcb.atom("_NET_WM_NAME"))
+    , m_netWmPid(xcb.atom("_NET_WM_PID"))
+    , m_utf8String(xcb.atom("UTF8_STRING"))
+    , m_compoundText(xcb.atom("COMPOUND_TEXT")) {}
+
+xcb_window_t ActiveWindowReader::activeWindowId() const {
+    return firstCard32(m_xcb.property(m_xcb.requestProperty(m_xcb.root(), m_activeWindow)));
+}
+
+ActiveWindow ActiveWindowReader::read(xcb_window_t window) const {
+    const auto netName = m_xcb.requestProperty(window, m_netWmName);
+    const auto name = m_xcb.requestProperty(window, XCB_ATOM_WM_NAME);
+    const auto wmClass = m_xcb.requestProperty(window, XCB_ATOM_WM_CLASS);
+    const auto pid = m_xcb.requestProperty(window, m_netWmPid);
+    const auto machine = m_xcb.requestProperty(window, XCB_ATOM_WM_CLIENT_MACHINE);
+    xcb_res_query_client_ids_cookie_t clientIds{};
+    if (m_hasResources) {
+        const xcb_res_client_id_spec_t spec{.client = window,
+                                            .mask = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        clientIds = xcb_res_query_client_ids(m_xcb.connection(), 1, &spec);
+    }
+
+    ActiveWindow result;
+    result.window = window;
+    const XProperty netNameProperty = m_xcb.property(netName);
+    result.title = title(netNameProperty, m_xcb.property(name));
+    const QList<QByteArray> classes = m_xcb.property(wmClass).bytes.split('\0');
+    result.instance = QString::fromUtf8(classes.value(0));
+    result.wmClass = QString::fromUtf8(classes.value(1));
+    const XProperty pidProperty = m_xcb.property(pid);
+    const std::int64_t claimed = claimedProcessId(pidProperty, m_xcb.property(machine));
+    const std::int64_t told = m_hasResources ? localClientPid(m_xcb, clientIds) : 0;
+    // The server's word is the host's truth; the window's own is its claim, and 1 inside a container.
+    result.processId = told != 0 ? told : claimed;
+    return result;
+}
+
+QString ActiveWindowReader::title(const XProperty& netName, const XProperty& name) const {
+    for (const XProperty* property : {&netName, &name}) {
+        const bool isUtf8 = property == &netName || property->type == m_utf8String;
+        const auto encoding = isUtf8                             ? X11Encoding::utf8
+                              : property->type == m_compoundText ? X11Encoding::compoundText
+                                                                 : X11Encoding::latin1;
+        const auto text = decodedX11Text(property->bytes, encoding);
+        if (text && !text->isEmpty()) {
+            return *text;
+        }
+    }
+    return {};
+}
+
+std::int64_t ActiveWindowReader::claimedProcessId(const XProperty& pid, const XProperty& machine) const {
+    return machine.bytes == m_hostName ? std::int64_t{firstCard32(pid)} : 0;
+}
+
+} // namespace kestu

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What X11 knows of the window in front.
+#pragma once
+
+#include "platform/linux/Xcb.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace kestu {
+
+struct ActiveWindow {
+    xcb_window_t window = XCB_NONE;
+    QString title;
+    QString instance; // the two halves of WM_CLASS
+    QString wmClass;
+    std::int64_t processId = 0; // 0 when unknown
+};
+
+class ActiveWindowReader final {
+public:
+    explicit ActiveWindowReader(const Xcb& xcb);
+
+    /// The id of the active window; XCB_NONE when there is none.
+    [[nodiscard]] xcb_window_t activeWindowId() const;
+
+    /// All of `window` in one round trip to the server, which answers even when the program hangs.
+    [[nodiscard]] ActiveWindow read(xcb_window_t window) const;
+
+    [[nodiscard]] xcb_atom_t activeWindowAtom() const { return m_activeWindow; }
+
+private:
+    [[nodiscard]] QString title(const XProperty& netName, const XProperty& name) const;
+    [[nodiscard]] std::int64_t claimedProcessId(const XProperty& pid, const XProperty& machine) const;
+
+    const Xcb& m_xcb;
+    bool m_hasResources;
+    QByteArray m_hostName;
+    xcb_atom_t m_activeWindow;
+    xcb_atom_t m_netWmName;
+    xcb_atom_t m_netWmPid;
+    xcb_atom_t m_utf8String;
+    xcb_atom_t m_compoundText;
+};
+
+} // namespace kestu

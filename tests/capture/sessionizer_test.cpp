@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "capture/Sessionizer.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+namespace kestu {
+namespace {
+
+using Events = Sessionizer::Events;
+using Started = Sessionizer::Started;
+using Moved = Sessionizer::Moved;
+using Closed = Sessionizer::Closed;
+
+const Sample editor{.bundleId = QStringLiteral("editor"),
+                    .appName = QStringLiteral("Editor"),
+                    .title = QStringLiteral("a.txt"),
+                    .url = std::nullopt};
+
+Sample with(Sample sample, const std::function<void(Sample&)>& change) {
+    change(sample);
+    return sample;
+}
+
+TEST(Sessionizer, ExtendsAnEqualSampleAndSplitsAtEveryOtherObservation) {
+    const Sample otherTitle = with(editor, [](Sample& s) { s.title = QStringLiteral("b.txt"); });
+    const Sample otherName = with(editor, [](Sample& s) { s.appName = QStringLiteral("Other"); });
+    const Sample withUrl = with(editor, [](Sample& s) { s.url = QStringLiteral("https://example.jp/"); });
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        const char* name;
+        Sample next;
+        double at;
+        Events events;
+    } rows[] = {
+        {"same", editor, 102, {Moved{instantAt(102)}}},
+        {"same at the very gap", editor, 110, {Moved{instantAt(110)}}},
+        {"same after too long", editor, 110.5, {Closed{}, Started{editor, instantAt(110.5)}}},
+        {"title", otherTitle, 102, {Moved{instantAt(102)}, Closed{}, Started{otherTitle, instantAt(102)}}},
+        {"name", otherName, 110, {Moved{instantAt(110)}, Closed{}, Started{otherName, instantAt(110)}}},
+        {"address appears",
+         withUrl,
+         102,
+         {Moved{instantAt(102)}, Closed{}, Started{withUrl, instantAt(102)}}},
+        {"other after too long", otherTitle, 111, {Closed{}, Started{otherTitle, instantAt(111)}}},
+    };
+    for (const auto& row : rows) {
+        Sessionizer sessionizer;
+        ASSERT_EQ(sessionizer.feed(editor, instantAt(100)), (Events{Started{editor, instantAt(100)}}));
+        EXPECT_EQ(sessionizer.feed(row.next, instantAt(row.at)), row.events) << row.name;
+        EXPECT_EQ(sessionizer.openSample, row.next) << row.name;
+        EXPECT_EQ(sessionizer.openEnd, instantAt(row.at)) << row.name;
+    }
+    Sessionizer sessionizer;
+    (void)sessionizer.feed(editor, instantAt(100));
+    EXPECT_EQ(sessionizer.feed(editor, instantAt(nan)).size(), 2U) << "no number is no small gap";
+}
+
+TEST(Sessionizer, ClosesBackToTheLastInputButNeverBeforeTheStart) {
+    for (const auto& [at, end] : {std::pair{90.0, 100.0}, {101.0, 101.0}, {104.0, 104.0}, {500.0, 500.0}}) {
+        Sessionizer sessionizer;
+        EXPECT_EQ(sessionizer.close(instantAt(at)), Events{});
+        for (const double time : {100.0, 102.0, 104.0}) {
+            (void)sessionizer.feed(editor, instantAt(time));
+        }
+        EXPECT_EQ(sessionizer.close(instantAt(at)), (Events{Moved{instantAt(end)}, Closed{}}));
+        EXPECT_EQ(sessionizer.feed(editor, instantAt(105)), (Events{Started{editor, instantAt(105)}}));
+    }
+}
+
+} // namespace
+} // namespace kestu
