@@ -9,7 +9,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -68,7 +70,6 @@ public:
     /// Opens or creates the file at `path` (":memory:" for none), readable by its owner alone.
     /// @throws DatabaseError "open failed: " and SQLite's message; also where the file cannot be written.
     explicit Database(const QString& path);
-    ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
@@ -127,7 +128,10 @@ private:
     void forEachRow(const QString& sql, const SqlValues& arguments,
                     const std::function<void(const Row&)>& visit) const;
 
-    sqlite3* m_handle = nullptr;
+    struct CloseConnection {
+        void operator()(sqlite3* handle) const;
+    };
+    std::unique_ptr<sqlite3, CloseConnection> m_handle;
 };
 
 } // namespace kestu

@@ -14,8 +14,7 @@ struct RawCase {
     QStringView raw;
 };
 
-// The first row of each table is also what unknown text reads as, but for the operator and kind tables
-// the same holds by their order.
+// The first row of each table is also what unknown text reads as.
 constexpr std::array kindTable{RawCase{CategoryKind::project, QStringView(u"project")},
                                RawCase{CategoryKind::tag, QStringView(u"tag")}};
 constexpr std::array fieldTable{

@@ -9,11 +9,11 @@
 #include <QHashFunctions>
 #include <QSet>
 #include <QString>
+#include <QStringView>
 
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <variant>
 
 namespace kestu {
 
@@ -97,6 +97,10 @@ struct Tag {
 
     bool operator==(const Tag&) const = default;
 };
+
+/// The colours that categories made without one take in turn.
+inline constexpr std::array<QStringView, 8> categoryPalette{u"#4F7CF7", u"#F2994A", u"#27AE60", u"#EB5757",
+                                                            u"#9B51E0", u"#2D9CDB", u"#F2C94C", u"#828282"};
 
 /// What a matching rule assigns: the project or the tag with this id.
 struct RuleTarget {

@@ -108,6 +108,7 @@ public:
 private:
     std::unique_ptr<Database> m_database;
     Clock m_clock;
+    QString m_overlapSql; // the fastest that this file can run
 };
 
 } // namespace kestu

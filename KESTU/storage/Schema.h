@@ -4,6 +4,8 @@
 // the assistant's process, which opens the same file: names, types and defaults must not drift.
 #pragma once
 
+#include <functional>
+
 namespace kestu {
 
 class Database;
@@ -14,5 +16,13 @@ inline constexpr int currentSchemaVersion = 3;
 /// is left as it is.
 /// @throws DatabaseError when a step fails; the file then stays at the version before that step.
 void migrate(Database& database);
+
+/// Adds the index over the lengths of activities, with which reading a day does not slow down with age,
+/// to a file at exactly the current version that lacks it. `onLongStep` is called first where that may
+/// take seconds. A failure is no error: reads are then slow, not wrong.
+void indexActivityLengths(Database& database, const std::function<void()>& onLongStep);
+
+/// True where a pass over the whole file may take long enough to look like a hang.
+[[nodiscard]] bool isLargeFile(const Database& database);
 
 } // namespace kestu

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/DataFolder.h"
+
+#include "storage/PrivateFiles.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStringBuilder>
+
+#include <filesystem>
+#include <system_error>
+
+namespace kestu {
+namespace {
+
+std::filesystem::path pathOf(const QString& path) {
+    return QFile::encodeName(path).toStdString();
+}
+
+/// Also true for a link that leads nowhere: nothing of the user's is ever replaced.
+bool isTaken(const QString& path) {
+    std::error_code unknown;
+    return std::filesystem::exists(std::filesystem::symlink_status(pathOf(path), unknown));
+}
+
+void moveWhereFree(const QString& from, const QString& to) {
+    if (isTaken(from) && !isTaken(to)) {
+        // What cannot be moved stays where it was, whole; the store then starts without it.
+        std::error_code ignored;
+        std::filesystem::rename(pathOf(from), pathOf(to), ignored);
+    }
+}
+
+/// An installation under the former name left its folder and file names; both become ours.
+void carryOverFormerInstallation(const QString& base, const QString& folder) {
+    const QString formerFolder = base % u"/Orvinta";
+    if (!isTaken(formerFolder)) {
+        return;
+    }
+    moveWhereFree(formerFolder, folder);
+    for (const auto suffix : {QStringView(), QStringView(u"-wal"), QStringView(u"-shm")}) {
+        moveWhereFree(folder % u"/orvinta.sqlite" % suffix, folder % u"/kestu.sqlite" % suffix);
+    }
+}
+
+} // namespace
+
+QString dataFolder(const QString& base) {
+    const PrivateCreation forTheOwner;
+    QString folder = base % u"/KESTU";
+    carryOverFormerInstallation(base, folder);
+    [[maybe_unused]] const bool ignored = QDir().mkpath(folder);
+    makeFolderPrivate(folder);
+    return folder;
+}
+
+QString userDataHome() {
+    // Not QStandardPaths: it takes a relative path too, which the desktop's rules say to ignore, and the
+    // records would then lie wherever the program was started.
+    QString home = qEnvironmentVariable("XDG_DATA_HOME");
+    return QDir::isAbsolutePath(home) ? home : QDir::homePath() % u"/.local/share";
+}
+
+} // namespace kestu

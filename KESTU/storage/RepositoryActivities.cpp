@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/Repository.h"
+
+#include <QStringBuilder>
+
+#include <limits>
+
+namespace kestu {
+namespace {
+
+// Both statements read the activities with end > ?1 and start < ?2, by start, then id.
+
+// Passes over the whole table, but asks for nothing beyond the schema.
+constexpr QStringView overlapByScan =
+    uR"(SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
+       a.is_manual, GROUP_CONCAT(t.tag_id)
+FROM activity a LEFT JOIN activity_tag t ON t.activity_id = a.id
+WHERE a.end > ? AND a.start < ?
+GROUP BY a.id ORDER BY a.start)";
+
+// Nearly every activity is short, and short ones can only overlap the range when they start shortly before
+// its beginning or inside it. The few long ones are found by their length, wherever they start.
+//
+//   starts      . . . . . . . . |low . . . . . . |from . . . . . |to
+//   first half                  [---- all lengths --------------)
+//   second half (-- longer ----)
+constexpr QStringView overlapByIndex =
+    uR"(SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
+       a.is_manual, (SELECT GROUP_CONCAT(tag_id) FROM activity_tag WHERE activity_id = a.id)
+FROM activity a INDEXED BY activity_start
+WHERE a.start >= ?3 AND a.start < ?2 AND a.end > ?1
+UNION ALL
+SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
+       a.is_manual, (SELECT GROUP_CONCAT(tag_id) FROM activity_tag WHERE activity_id = a.id)
+FROM activity a INDEXED BY activity_length
+WHERE a.end - a.start > ?4 AND a.start < ?3 AND a.start < ?2 AND a.end > ?1
+ORDER BY 2, 1)";
+
+/// Activities up to this length are found by their start. Recorded ones are hardly ever longer.
+constexpr double shortLength = 12.0 * 60.0 * 60.0;
+
+/// The `low` of overlapByIndex. An activity that starts before it and ends after `from` must count as
+/// longer than `shortLength`, in SQLite's rounded subtraction too. Rounding keeps order, so the activity's
+/// length is no less than `from - low`: that this is greater is all that there is to check. It fails only
+/// some hundred million years from now, where doubles are too coarse; then every start is looked at.
+double lowestStartOfShort(double from) {
+    const double low = from - shortLength - 1.0;
+    return from - low > shortLength ? low : -std::numeric_limits<double>::infinity();
+}
+
+QSet<TagId> tagIdsIn(const QString& list) {
+    QSet<TagId> ids;
+    for (const QStringView piece : QStringView(list).split(u',', Qt::SkipEmptyParts)) {
+        bool isNumber = false;
+        const TagId id = piece.toLongLong(&isNumber);
+        if (isNumber) {
+            ids.insert(id);
+        }
+    }
+    return ids;
+}
+
+Activity activityIn(const Row& row) {
+    return {.id = row.integer(0),
+            .start = instantAt(row.real(1)),
+            .end = instantAt(row.real(2)),
+            .bundleId = row.text(3),
+            .appName = row.text(4),
+            .title = row.text(5),
+            .url = row.optionalText(6),
+            .domain = row.optionalText(7),
+            .projectId = row.optionalInteger(8),
+            .isManual = row.integer(9) != 0,
+            .tagIds = tagIdsIn(row.text(10))};
+}
+
+bool canRun(const Database& database, QStringView sql) {
+    try {
+        (void)database.query(u"EXPLAIN " % sql.toString(), {}, [](const Row&) { return 0; });
+        return true;
+    } catch (const DatabaseError&) {
+        return false; // the caller has a statement that needs less; what else is wrong, that one says
+    }
+}
+
+/// Cuts `activity` down to what lies outside the entry; what lies on both sides of it becomes two rows.
+///
+///   activity   |-----|      |--------------|       |------|
+///   entry         |========|   |=======|       |======|
+///   left       |--|         |--|       |---|          |---|
+void carve(Database& database, const Activity& activity, const ManualEntry& entry) {
+    const bool startsBefore = activity.start < entry.start;
+    const bool endsAfter = activity.end > entry.end;
+    if (!startsBefore && !endsAfter) {
+        database.run(QStringLiteral("DELETE FROM activity WHERE id = ?"), {activity.id});
+        return;
+    }
+    if (!startsBefore) {
+        database.run(QStringLiteral("UPDATE activity SET start = ? WHERE id = ?"),
+                     {epochSeconds(entry.end), activity.id});
+        return;
+    }
+    std::optional<ActivityId> tail;
+    if (endsAfter) {
+        // Copied in SQL and before the head is cut, so that the tail is the row as it is stored.
+        tail = database.run(
+            QStringLiteral(
+                "INSERT INTO activity (start, end, bundle_id, app_name, title, url, domain, project_id)\n"
+                "SELECT ?, ?, bundle_id, app_name, title, url, domain, project_id FROM activity WHERE id = "
+                "?"),
+            {epochSeconds(entry.end), epochSeconds(activity.end), activity.id});
+    }
+    database.run(QStringLiteral("UPDATE activity SET end = ? WHERE id = ?"),
+                 {epochSeconds(entry.start), activity.id});
+    if (tail) {
+        database.run(QStringLiteral("INSERT INTO activity_tag (activity_id, tag_id) SELECT ?, tag_id FROM "
+                                    "activity_tag WHERE activity_id = ?"),
+                     {*tail, activity.id});
+    }
+}
+
+} // namespace
+
+Repository::Repository(std::unique_ptr<Database> database, Clock clock)
+    : m_database(std::move(database))
+    , m_clock(std::move(clock))
+    , m_overlapSql((canRun(*m_database, overlapByIndex) ? overlapByIndex : overlapByScan).toString()) {}
+
+ActivityId Repository::insertActivity(const Sample& sample, Instant at) {
+    return m_database->run(
+        QStringLiteral("INSERT INTO activity (start, end, bundle_id, app_name, title, url, domain) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?)"),
+        {epochSeconds(at), epochSeconds(at), sample.bundleId, sample.appName, sample.title,
+         sqlValue(sample.url), sqlValue(sample.domain())});
+}
+
+void Repository::extendActivity(ActivityId id, Instant end) {
+    m_database->run(QStringLiteral("UPDATE activity SET end = ? WHERE id = ?"), {epochSeconds(end), id});
+}
+
+std::vector<Activity> Repository::activitiesOverlapping(Instant from, Instant to) const {
+    SqlValues arguments{epochSeconds(from), epochSeconds(to)};
+    if (m_overlapSql == overlapByIndex) {
+        arguments.insert(arguments.end(), {lowestStartOfShort(epochSeconds(from)), shortLength});
+    }
+    return m_database->query(m_overlapSql, arguments, activityIn);
+}
+
+ActivityId Repository::insertManualEntry(const ManualEntry& entry) {
+    if (!(entry.end > entry.start)) {
+        throw DatabaseError(QStringLiteral("終了は開始より後にしてください"));
+    }
+    for (const Activity& activity : activitiesOverlapping(entry.start, entry.end)) {
+        if (!activity.isManual) {
+            carve(*m_database, activity, entry);
+        }
+    }
+    const ActivityId id = m_database->run(
+        QStringLiteral(
+            "INSERT INTO activity (start, end, bundle_id, app_name, title, project_id, is_manual)\n"
+            "VALUES (?, ?, ?, '手動', ?, ?, 1)"),
+        {epochSeconds(entry.start), epochSeconds(entry.end), manualBundleId.toString(), entry.title,
+         sqlValue(entry.projectId)});
+    for (const TagId tagId : entry.tagIds) {
+        m_database->run(QStringLiteral("INSERT INTO activity_tag (activity_id, tag_id) VALUES (?, ?)"),
+                        {id, tagId});
+    }
+    return id;
+}
+
+ActivityId Repository::replaceManualEntry(ActivityId id, const ManualEntry& entry) {
+    // First, so that the entry does not meet its own former self.
+    m_database->run(QStringLiteral("DELETE FROM activity WHERE id = ? AND is_manual = 1"), {id});
+    return insertManualEntry(entry);
+}
+
+void Repository::deleteActivity(ActivityId id) {
+    m_database->run(QStringLiteral("DELETE FROM activity WHERE id = ?"), {id});
+}
+
+void Repository::setProject(std::span<const ActivityId> ids, std::optional<ProjectId> projectId) {
+    for (const ActivityId id : ids) {
+        m_database->run(QStringLiteral("UPDATE activity SET project_id = ? WHERE id = ?"),
+                        {sqlValue(projectId), id});
+    }
+}
+
+void Repository::setTag(std::span<const ActivityId> ids, TagId tagId, TagState state) {
+    if (ids.empty()) {
+        return;
+    }
+    const QString sql =
+        state == TagState::on
+            ? QStringLiteral("INSERT OR IGNORE INTO activity_tag (activity_id, tag_id) VALUES (?, ?)")
+            : QStringLiteral("DELETE FROM activity_tag WHERE activity_id = ? AND tag_id = ?");
+    m_database->transaction([&] {
+        for (const ActivityId id : ids) {
+            m_database->run(sql, {id, tagId});
+        }
+    });
+}
+
+} // namespace kestu
