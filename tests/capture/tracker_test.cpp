@@ -6,6 +6,7 @@
 #include "support/FakePlatform.h"
 #include "support/PrivateBus.h"
 
+#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>

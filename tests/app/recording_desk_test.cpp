@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The main job on a real desktop: what is in front is what is written.
+#include "capture/Tracker.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "storage/RepositoryOpener.h"
+#include "support/Desk.h"
+#include "support/PrivateBus.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace kestu {
+namespace {
+
+using test::waitUntil;
+
+class RecordingTest : public testing::Test {
+protected:
+    [[nodiscard]] StoreLocation location() const { return {.explicitPath = path, .dataHome = {}}; }
+
+    [[nodiscard]] std::vector<Activity> rows() const {
+        return openRepository(location(), systemNow)->activitiesOverlapping(instantAt(0), instantAt(1e11));
+    }
+
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("kestu.sqlite"));
+};
+
+TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
+    test::installDesktopEntry(QStringLiteral("jp.example.Editor"),
+                              QStringLiteral("Name=Editor\nName[ja]=編集\nExec=xterm\nStartupWMClass=editor-window\n"));
+    const test::Terminal editor(QStringLiteral("editor-window"), QStringLiteral("メモ <b>.txt"));
+    const test::Terminal other(QStringLiteral("OtherTool"), QStringLiteral("other"));
+    editor.activate();
+    test::Program kestu(QStringLiteral(KESTU_PROGRAM), {},
+                        {{QStringLiteral("KESTU_DB_PATH"), path}, {QStringLiteral("LANGUAGE"), QStringLiteral("ja")}});
+    ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }));
+    const Instant began = rows().front().start;
+
+    waitUntil([] { return false; }, 3000);
+    std::vector<Instant> switches;
+    const test::Terminal* front = &editor;
+    while (systemNow() - began < Seconds{18}) {
+        front = front == &editor ? &other : &editor;
+        front->activate();
+        switches.push_back(systemNow());
+        waitUntil([] { return false; }, 3000);
+    }
+    front->setTitle(QStringLiteral("新しい題"));
+    waitUntil([] { return false; }, 2500); // a title is seen at the next tick
+    kestu.send(SIGTERM);
+    const Instant ended = systemNow();
+    ASSERT_EQ(kestu.waitForEnd(), 0) << kestu.errorOutput().toStdString();
+
+    const auto written = rows();
+    ASSERT_EQ(written.size(), switches.size() + 2);
+    Seconds sum{0};
+    for (size_t i = 0; i < written.size(); ++i) {
+        const Activity& row = written[i];
+        sum += row.end - row.start;
+        if (i + 1 < written.size()) {
+            EXPECT_EQ(row.end, written[i + 1].start) << "rows touch";
+        }
+        if (i > 0 && i <= switches.size()) {
+            EXPECT_NEAR((row.start - switches[i - 1]).count(), 0, 0.15) << "a switch is seen at once";
+        }
+        const bool isEditor = i % 2 == 0 && i + 1 < written.size();
+        const bool isRetitled = i + 1 == written.size();
+        if (!isRetitled) {
+            EXPECT_EQ(row.bundleId, isEditor ? QStringLiteral("jp.example.Editor") : QStringLiteral("OtherTool"));
+            EXPECT_EQ(row.appName, isEditor ? QStringLiteral("編集") : QStringLiteral("OtherTool"));
+            EXPECT_EQ(row.title, isEditor ? QStringLiteral("メモ <b>.txt") : QStringLiteral("other"));
+        } else {
+            EXPECT_EQ(row.title, QStringLiteral("新しい題"));
+        }
+    }
+    EXPECT_NEAR((written.back().end - ended).count(), 0, 0.1) << "the open row ends when KESTU ends";
+    EXPECT_NEAR(sum.count(), (ended - began).count(), 0.1);
+}
+
+TEST_F(RecordingTest, EndsTheRowAtTheLastInput) {
+    const test::Terminal window(QStringLiteral("Quiet"), QStringLiteral("quiet"));
+    window.activate();
+    const LinuxPlatformStart started = startLinuxPlatform();
+    const auto repository = openRepository(location(), systemNow);
+    Tracker tracker(*repository, *started.platform, systemNow);
+    tracker.idleThreshold = Seconds{3};
+    test::moveMouse(100, 100);
+    tracker.start();
+    ASSERT_TRUE(tracker.current());
+    waitUntil([] { return false; }, 2500);
+    test::moveMouse(200, 200);
+    const Instant lastInput = systemNow();
+    ASSERT_TRUE(waitUntil([&] { return !tracker.current(); }, 8000));
+    const auto written = repository->activitiesOverlapping(instantAt(0), instantAt(1e11));
+    ASSERT_EQ(written.size(), 1U);
+    EXPECT_NEAR((written[0].end - lastInput).count(), 0, 0.2);
+
+    test::moveMouse(300, 300);
+    EXPECT_TRUE(waitUntil([&] { return tracker.current().has_value(); }, 3000)) << "the user is back";
+    tracker.stop();
+}
+
+TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
+    const test::Terminal window(QStringLiteral("Front"), QStringLiteral("front"));
+    window.activate();
+    for (const int milliseconds : {300, 2700, 5100}) {
+        test::Program kestu(QStringLiteral(KESTU_PROGRAM), {}, {{QStringLiteral("KESTU_DB_PATH"), path}});
+        const size_t before = QFile::exists(path) ? rows().size() : 0;
+        ASSERT_TRUE(waitUntil([&] { return QFile::exists(path) && rows().size() > before; }));
+        waitUntil([] { return false; }, milliseconds);
+        kestu.send(SIGKILL);
+        const Instant killed = systemNow();
+        ASSERT_EQ(kestu.waitForEnd(), -1);
+        const auto store = openRepository(location(), systemNow);
+        EXPECT_EQ(store->database().query(QStringLiteral("PRAGMA integrity_check"), {},
+                                          [](const Row& row) { return row.text(0); }),
+                  std::vector<QString>{QStringLiteral("ok")});
+        const auto written = store->activitiesOverlapping(instantAt(0), instantAt(1e11));
+        ASSERT_EQ(written.size(), before + 1);
+        EXPECT_LT((killed - written.back().end).count(), 2.3);
+    }
+}
+
+} // namespace
+} // namespace kestu
