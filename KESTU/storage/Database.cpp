@@ -72,9 +72,8 @@ private:
         } else if (const auto* real = std::get_if<double>(&argument)) {
             sqlite3_bind_double(m_statement, parameter, *real);
         } else if (const auto* text = std::get_if<QString>(&argument)) {
-            // SQLITE_TRANSIENT, the only cast of C's kind: SQLite takes a copy.
-            const auto copied = reinterpret_cast<sqlite3_destructor_type>(-1); // NOLINT
-            sqlite3_bind_text(m_statement, parameter, boundText(*text).constData(), -1, copied);
+            // SQLITE_TRANSIENT: SQLite takes a copy.
+            sqlite3_bind_text(m_statement, parameter, boundText(*text).constData(), -1, SQLITE_TRANSIENT);
         } else {
             sqlite3_bind_null(m_statement, parameter);
         }

@@ -4,6 +4,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <span>
 
 namespace kestu {
 namespace {
@@ -15,24 +16,24 @@ struct RawCase {
 };
 
 // The first row of each table is also what unknown text reads as.
-constexpr std::array kindTable{RawCase{CategoryKind::project, QStringView(u"project")},
-                               RawCase{CategoryKind::tag, QStringView(u"tag")}};
-constexpr std::array fieldTable{
-    RawCase{RuleField::app, QStringView(u"app")}, RawCase{RuleField::title, QStringView(u"title")},
-    RawCase{RuleField::domain, QStringView(u"domain")}, RawCase{RuleField::url, QStringView(u"url")}};
-constexpr std::array operatorTable{RawCase{RuleOperator::contains, QStringView(u"contains")},
-                                   RawCase{RuleOperator::equals, QStringView(u"equals")},
-                                   RawCase{RuleOperator::prefix, QStringView(u"prefix")}};
+constexpr RawCase<CategoryKind> kindTable[] = {{CategoryKind::project, u"project"},
+                                               {CategoryKind::tag, u"tag"}};
+constexpr RawCase<RuleField> fieldTable[] = {{RuleField::app, u"app"},
+                                             {RuleField::title, u"title"},
+                                             {RuleField::domain, u"domain"},
+                                             {RuleField::url, u"url"}};
+constexpr RawCase<RuleOperator> operatorTable[] = {{RuleOperator::contains, u"contains"},
+                                                   {RuleOperator::equals, u"equals"},
+                                                   {RuleOperator::prefix, u"prefix"}};
 
-template<typename Table, typename Case>
-QString rawIn(const Table& table, Case value) {
+template<typename Case>
+QString rawIn(std::span<const RawCase<Case>> table, Case value) {
     return std::ranges::find(table, value, &RawCase<Case>::value)->raw.toString();
 }
 
-/// The case with this raw string; unknown text reads as the first.
-template<typename Table>
-auto caseIn(const Table& table, QStringView raw) {
-    const auto found = std::ranges::find(table, raw, &Table::value_type::raw);
+template<typename Case>
+Case caseIn(std::span<const RawCase<Case>> table, QStringView raw) {
+    const auto found = std::ranges::find(table, raw, &RawCase<Case>::raw);
     return (found == table.end() ? table.begin() : found)->value;
 }
 
@@ -54,22 +55,22 @@ std::optional<QString> Sample::domain() const {
 }
 
 QString rawString(CategoryKind kind) {
-    return rawIn(kindTable, kind);
+    return rawIn<CategoryKind>(kindTable, kind);
 }
 QString rawString(RuleField field) {
-    return rawIn(fieldTable, field);
+    return rawIn<RuleField>(fieldTable, field);
 }
 QString rawString(RuleOperator op) {
-    return rawIn(operatorTable, op);
+    return rawIn<RuleOperator>(operatorTable, op);
 }
 CategoryKind categoryKindFromRaw(QStringView raw) {
-    return caseIn(kindTable, raw);
+    return caseIn<CategoryKind>(kindTable, raw);
 }
 RuleField ruleFieldFromRaw(QStringView raw) {
-    return caseIn(fieldTable, raw);
+    return caseIn<RuleField>(fieldTable, raw);
 }
 RuleOperator ruleOperatorFromRaw(QStringView raw) {
-    return caseIn(operatorTable, raw);
+    return caseIn<RuleOperator>(operatorTable, raw);
 }
 
 size_t qHash(const RuleTarget& target, size_t seed) noexcept {

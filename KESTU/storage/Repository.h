@@ -6,6 +6,7 @@
 
 #include "base/Time.h"
 #include "storage/Database.h"
+#include "storage/OverlapRead.h"
 #include "storage/Records.h"
 
 #include <memory>
@@ -108,7 +109,7 @@ public:
 private:
     std::unique_ptr<Database> m_database;
     Clock m_clock;
-    QString m_overlapSql; // the fastest that this file can run
+    OverlapRead m_overlapRead;
 };
 
 } // namespace kestu

@@ -1,52 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/Repository.h"
 
-#include <QStringBuilder>
-
-#include <limits>
-
 namespace kestu {
 namespace {
-
-// Both statements read the activities with end > ?1 and start < ?2, by start, then id.
-
-// Passes over the whole table, but asks for nothing beyond the schema.
-constexpr QStringView overlapByScan =
-    uR"(SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
-       a.is_manual, GROUP_CONCAT(t.tag_id)
-FROM activity a LEFT JOIN activity_tag t ON t.activity_id = a.id
-WHERE a.end > ? AND a.start < ?
-GROUP BY a.id ORDER BY a.start)";
-
-// Nearly every activity is short, and short ones can only overlap the range when they start shortly before
-// its beginning or inside it. The few long ones are found by their length, wherever they start.
-//
-//   starts      . . . . . . . . |low . . . . . . |from . . . . . |to
-//   first half                  [---- all lengths --------------)
-//   second half (-- longer ----)
-constexpr QStringView overlapByIndex =
-    uR"(SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
-       a.is_manual, (SELECT GROUP_CONCAT(tag_id) FROM activity_tag WHERE activity_id = a.id)
-FROM activity a INDEXED BY activity_start
-WHERE a.start >= ?3 AND a.start < ?2 AND a.end > ?1
-UNION ALL
-SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
-       a.is_manual, (SELECT GROUP_CONCAT(tag_id) FROM activity_tag WHERE activity_id = a.id)
-FROM activity a INDEXED BY activity_length
-WHERE a.end - a.start > ?4 AND a.start < ?3 AND a.start < ?2 AND a.end > ?1
-ORDER BY 2, 1)";
-
-/// Activities up to this length are found by their start. Recorded ones are hardly ever longer.
-constexpr double shortLength = 12.0 * 60.0 * 60.0;
-
-/// The `low` of overlapByIndex. An activity that starts before it and ends after `from` must count as
-/// longer than `shortLength`, in SQLite's rounded subtraction too. Rounding keeps order, so the activity's
-/// length is no less than `from - low`: that this is greater is all that there is to check. It fails only
-/// some hundred million years from now, where doubles are too coarse; then every start is looked at.
-double lowestStartOfShort(double from) {
-    const double low = from - shortLength - 1.0;
-    return from - low > shortLength ? low : -std::numeric_limits<double>::infinity();
-}
 
 QSet<TagId> tagIdsIn(const QString& list) {
     QSet<TagId> ids;
@@ -72,15 +28,6 @@ Activity activityIn(const Row& row) {
             .projectId = row.optionalInteger(8),
             .isManual = row.integer(9) != 0,
             .tagIds = tagIdsIn(row.text(10))};
-}
-
-bool canRun(const Database& database, QStringView sql) {
-    try {
-        (void)database.query(u"EXPLAIN " % sql.toString(), {}, [](const Row&) { return 0; });
-        return true;
-    } catch (const DatabaseError&) {
-        return false; // the caller has a statement that needs less; what else is wrong, that one says
-    }
 }
 
 /// Cuts `activity` down to what lies outside the entry; what lies on both sides of it becomes two rows.
@@ -124,7 +71,7 @@ void carve(Database& database, const Activity& activity, const ManualEntry& entr
 Repository::Repository(std::unique_ptr<Database> database, Clock clock)
     : m_database(std::move(database))
     , m_clock(std::move(clock))
-    , m_overlapSql((canRun(*m_database, overlapByIndex) ? overlapByIndex : overlapByScan).toString()) {}
+    , m_overlapRead(*m_database) {}
 
 ActivityId Repository::insertActivity(const Sample& sample, Instant at) {
     return m_database->run(
@@ -139,11 +86,7 @@ void Repository::extendActivity(ActivityId id, Instant end) {
 }
 
 std::vector<Activity> Repository::activitiesOverlapping(Instant from, Instant to) const {
-    SqlValues arguments{epochSeconds(from), epochSeconds(to)};
-    if (m_overlapSql == overlapByIndex) {
-        arguments.insert(arguments.end(), {lowestStartOfShort(epochSeconds(from)), shortLength});
-    }
-    return m_database->query(m_overlapSql, arguments, activityIn);
+    return m_database->query(m_overlapRead.sql(), m_overlapRead.arguments(from, to), activityIn);
 }
 
 ActivityId Repository::insertManualEntry(const ManualEntry& entry) {

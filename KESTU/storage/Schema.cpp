@@ -121,7 +121,7 @@ void migrate(Database& database) {
 
 bool isLargeFile(const Database& database) {
     // An index over a file of this size takes about a third of a second on a slow disk.
-    constexpr std::int64_t largeBytes = 64 * 1024 * 1024;
+    constexpr std::int64_t largeBytes = std::int64_t{64} * 1024 * 1024;
     return firstInteger(database, QStringLiteral("PRAGMA page_count")) *
                firstInteger(database, QStringLiteral("PRAGMA page_size")) >
            largeBytes;
