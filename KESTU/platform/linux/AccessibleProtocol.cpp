@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/AccessibleProtocol.h"
+
+#include "platform/linux/Bus.h"
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QStringList>
+
+namespace kestu {
+
+namespace {
+
+// Numbers of the protocol.
+constexpr unsigned kStateActive = 1;
+constexpr unsigned kStateShowing = 25;
+constexpr unsigned kRoleWebDocument = 95;
+constexpr qint32 kMatchAll = 1;
+constexpr qint32 kMatchAny = 2;
+constexpr quint32 kDocumentOrder = 1;
+
+/// States and roles travel as bits in words of 32.
+QList<qint32> bitSet(unsigned bit, unsigned words) {
+    QList<qint32> set(words, 0);
+    set[bit / 32] = static_cast<qint32>(1U << (bit % 32));
+    return set;
+}
+
+} // namespace
+
+/// What Collection.GetMatches looks for: (aiia{ss}iaiiasib).
+struct ShownWebDocument {};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const ShownWebDocument&) {
+    argument.beginStructure();
+    argument << bitSet(kStateShowing, 2) << kMatchAll;
+    argument << QMap<QString, QString>() << kMatchAll;
+    argument << bitSet(kRoleWebDocument, 4) << kMatchAny;
+    argument << QStringList() << kMatchAll;
+    argument << false; // do not invert
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, ShownWebDocument&) {
+    return argument; // never received; Qt wants both directions
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, Accessible& object) {
+    QDBusObjectPath path;
+    argument.beginStructure();
+    argument >> object.service >> path;
+    argument.endStructure();
+    object.path = path.path();
+    return argument;
+}
+
+namespace accessible {
+
+namespace {
+
+QDBusMessage question(const BusMethod& method, const QVariantList& arguments = {}) {
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(method.service, method.path, method.interface, method.method);
+    message.setAutoStartService(false);
+    message.setArguments(arguments);
+    return message;
+}
+
+QDBusMessage objectQuestion(const Accessible& object, const QString& method) {
+    return question({.service = object.service,
+                     .path = object.path,
+                     .interface = QStringLiteral("org.a11y.atspi.Accessible"),
+                     .method = method});
+}
+
+bool isReply(const QDBusMessage& message, QStringView signature) {
+    return message.type() == QDBusMessage::ReplyMessage && message.signature() == signature;
+}
+
+} // namespace
+
+Accessible registryRoot() {
+    return {.service = QStringLiteral("org.a11y.atspi.Registry"),
+            .path = QStringLiteral("/org/a11y/atspi/accessible/root")};
+}
+
+QDBusMessage listenForActivation() {
+    return question({.service = registryRoot().service,
+                     .path = QStringLiteral("/org/a11y/atspi/registry"),
+                     .interface = QStringLiteral("org.a11y.atspi.Registry"),
+                     .method = QStringLiteral("RegisterEvent")},
+                    {QStringLiteral("window:activate"), QStringList(), QString()});
+}
+
+QDBusMessage processIdQuestion(const QString& service) {
+    return question({.service = QStringLiteral("org.freedesktop.DBus"),
+                     .path = QStringLiteral("/org/freedesktop/DBus"),
+                     .interface = QStringLiteral("org.freedesktop.DBus"),
+                     .method = QStringLiteral("GetConnectionUnixProcessID")},
+                    {service});
+}
+
+QDBusMessage childrenQuestion(const Accessible& object) {
+    return objectQuestion(object, QStringLiteral("GetChildren"));
+}
+
+QDBusMessage nameQuestion(const Accessible& object) {
+    return question({.service = object.service,
+                     .path = object.path,
+                     .interface = QStringLiteral("org.freedesktop.DBus.Properties"),
+                     .method = QStringLiteral("Get")},
+                    {QStringLiteral("org.a11y.atspi.Accessible"), QStringLiteral("Name")});
+}
+
+QDBusMessage statesQuestion(const Accessible& object) {
+    return objectQuestion(object, QStringLiteral("GetState"));
+}
+
+QDBusMessage shownPageQuestion(const Accessible& window) {
+    qDBusRegisterMetaType<ShownWebDocument>();
+    constexpr qint32 only_the_first = 1;
+    constexpr bool below_children = true; // without it browsers find nothing
+    return question(
+        {.service = window.service,
+         .path = window.path,
+         .interface = QStringLiteral("org.a11y.atspi.Collection"),
+         .method = QStringLiteral("GetMatches")},
+        {QVariant::fromValue(ShownWebDocument()), kDocumentOrder, only_the_first, below_children});
+}
+
+QDBusMessage documentAttributesQuestion(const Accessible& document) {
+    return question({.service = document.service,
+                     .path = document.path,
+                     .interface = QStringLiteral("org.a11y.atspi.Document"),
+                     .method = QStringLiteral("GetAttributes")});
+}
+
+std::optional<std::int64_t> readProcessId(const QDBusMessage& reply) {
+    if (!isReply(reply, u"u")) {
+        return std::nullopt;
+    }
+    return reply.arguments().first().toUInt();
+}
+
+QList<Accessible> readAccessibles(const QDBusMessage& reply) {
+    if (!isReply(reply, u"a(so)")) {
+        return {};
+    }
+    return qdbus_cast<QList<Accessible>>(reply.arguments().first());
+}
+
+QString readName(const QDBusMessage& reply) {
+    if (!isReply(reply, u"v")) {
+        return {};
+    }
+    return reply.arguments().first().value<QDBusVariant>().variant().toString();
+}
+
+bool readIsActive(const QDBusMessage& reply) {
+    if (!isReply(reply, u"au")) {
+        return false;
+    }
+    const auto words = qdbus_cast<QList<quint32>>(reply.arguments().first());
+    return !words.isEmpty() && (words.first() >> kStateActive & 1U) == 1U;
+}
+
+QMap<QString, QString> readAttributes(const QDBusMessage& reply) {
+    if (!isReply(reply, u"a{ss}")) {
+        return {};
+    }
+    return qdbus_cast<QMap<QString, QString>>(reply.arguments().first());
+}
+
+} // namespace accessible
+
+} // namespace kestu
+
+Q_DECLARE_METATYPE(kestu::ShownWebDocument)

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The spelling of the accessibility protocol: which message asks what, and how its reply is read. Nobody owns
+// this; it knows no connection. A reply that is an error, or that is not of the expected form, reads as
+// nothing: programs leave the bus and windows close between two questions.
+#pragma once
+
+#include <QDBusMessage>
+#include <QList>
+#include <QMap>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace kestu {
+
+/// An object of a program on the accessibility bus.
+struct Accessible {
+    QString service; // the program's unique name there
+    QString path;
+    bool operator==(const Accessible&) const = default;
+};
+
+namespace accessible {
+
+/// The root of all programs, whose children are the programs' roots.
+[[nodiscard]] Accessible registryRoot();
+
+/// Asks the registry to have window activation announced; as long as nobody listens, Chromium does not mark
+/// the active one of its windows.
+[[nodiscard]] QDBusMessage listenForActivation();
+
+[[nodiscard]] QDBusMessage processIdQuestion(const QString& service);
+[[nodiscard]] QDBusMessage childrenQuestion(const Accessible& object);
+[[nodiscard]] QDBusMessage nameQuestion(const Accessible& object);
+[[nodiscard]] QDBusMessage statesQuestion(const Accessible& object);
+/// For the web page that shows inside `window`, without the frames of that page.
+[[nodiscard]] QDBusMessage shownPageQuestion(const Accessible& window);
+[[nodiscard]] QDBusMessage documentAttributesQuestion(const Accessible& document);
+
+[[nodiscard]] std::optional<std::int64_t> readProcessId(const QDBusMessage& reply);
+/// For children and pages.
+[[nodiscard]] QList<Accessible> readAccessibles(const QDBusMessage& reply);
+[[nodiscard]] QString readName(const QDBusMessage& reply);
+[[nodiscard]] bool readIsActive(const QDBusMessage& reply);
+[[nodiscard]] QMap<QString, QString> readAttributes(const QDBusMessage& reply);
+
+} // namespace accessible
+
+} // namespace kestu
