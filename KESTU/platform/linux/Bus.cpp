@@ -1,23 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/Bus.h"
 
+#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
 #include <algorithm>
+#include <utility>
 
 namespace kestu {
+
+namespace {
+
+QDBusMessage callMessage(const BusMethod& method, const QVariantList& arguments) {
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(method.service, method.path, method.interface, method.method);
+    message.setAutoStartService(false);
+    message.setArguments(arguments);
+    return message;
+}
+
+} // namespace
 
 std::optional<QVariantList> callBus(const QDBusConnection& bus, const BusMethod& method,
                                     const QVariantList& arguments, const QDeadlineTimer& deadline) {
     if (!bus.isConnected() || deadline.hasExpired()) {
         return std::nullopt;
     }
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(method.service, method.path, method.interface, method.method);
-    message.setAutoStartService(false);
-    message.setArguments(arguments);
     const auto milliseconds = static_cast<int>(std::max<qint64>(1, deadline.remainingTime()));
-    const QDBusMessage reply = bus.call(message, QDBus::Block, milliseconds);
+    const QDBusMessage reply = bus.call(callMessage(method, arguments), QDBus::Block, milliseconds);
     if (reply.type() != QDBusMessage::ReplyMessage) {
         return std::nullopt;
     }
@@ -37,6 +47,21 @@ std::optional<QVariant> busProperty(const QDBusConnection& bus, const QString& s
         return std::nullopt;
     }
     return reply->first().value<QDBusVariant>().variant();
+}
+
+void callBusLater(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
+                  QObject* context, std::function<void(const QVariantList&)> answered) {
+    if (!bus.isConnected()) {
+        return;
+    }
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(callMessage(method, arguments)), context);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
+                     [watcher, answered = std::move(answered)] {
+                         watcher->deleteLater();
+                         if (!watcher->isError()) {
+                             answered(watcher->reply().arguments());
+                         }
+                     });
 }
 
 } // namespace kestu

@@ -10,6 +10,7 @@
 #include <QString>
 #include <QVariantList>
 
+#include <functional>
 #include <optional>
 
 namespace kestu {
@@ -30,5 +31,10 @@ struct BusMethod {
 [[nodiscard]] std::optional<QVariant> busProperty(const QDBusConnection& bus, const QString& service,
                                                   const QString& path, const QString& interface,
                                                   const QString& property, const QDeadlineTimer& deadline);
+
+/// Asks without waiting. `answered` gets the arguments of the reply later, on this thread; it is never called
+/// for an error, nor once `context` is gone.
+void callBusLater(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
+                  QObject* context, std::function<void(const QVariantList&)> answered);
 
 } // namespace kestu

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/LinuxSystemEvents.h"
+
+namespace kestu {
+
+LinuxSystemEvents::LinuxSystemEvents(const QDBusConnection& systemBus, const QDBusConnection& sessionBus,
+                                     DisplayPower& displayPower, std::chrono::milliseconds displayInterval)
+    : m_displayPower(displayPower)
+    , m_loginManager(systemBus)
+    , m_screenSavers(sessionBus) {
+    connect(&m_loginManager, &LoginManager::asleepChanged, this, &LinuxSystemEvents::noteSleep);
+    connect(&m_loginManager, &LoginManager::lockedChanged, this, &LinuxSystemEvents::noteLock);
+    connect(&m_screenSavers, &ScreenSavers::activeChanged, this, &LinuxSystemEvents::noteLock);
+    connect(&m_displayTimer, &QTimer::timeout, this, [this] { noteDisplays(m_displayPower.state()); });
+
+    const DisplayPower::State displays = m_displayPower.state();
+    if (displays != DisplayPower::State::unknown) {
+        m_displayTimer.start(displayInterval);
+    }
+    // Nobody can listen yet, so what holds already is only remembered.
+    noteSleep();
+    noteLock();
+    noteDisplays(displays);
+}
+
+void LinuxSystemEvents::noteSleep() {
+    note(HoldReason::asleep, m_loginManager.isAsleep());
+}
+
+void LinuxSystemEvents::noteLock() {
+    note(HoldReason::locked, m_loginManager.isLocked() || m_screenSavers.isActive());
+}
+
+void LinuxSystemEvents::noteDisplays(DisplayPower::State state) {
+    note(HoldReason::displaysAsleep, state == DisplayPower::State::asleep);
+}
+
+void LinuxSystemEvents::note(HoldReason reason, bool holds) {
+    if (const SystemSignal signal = holds ? m_hold.begin(reason) : m_hold.end(reason)) {
+        Q_EMIT(this->*signal)();
+    }
+}
+
+} // namespace kestu

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Which process started which. `procRoot` is where the kernel shows its processes: /proc, or a made-up one.
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace kestu {
+
+/// Absent when there is no such process (any more), and for one that nobody started.
+[[nodiscard]] std::optional<std::int64_t> parentProcess(const QString& procRoot, std::int64_t processId);
+
+/// Whether `processId` is `ancestor` or was started by it, at any remove.
+[[nodiscard]] bool descendsFrom(const QString& procRoot, std::int64_t processId, std::int64_t ancestor);
+
+/// The file that a process runs; empty when that cannot be seen.
+[[nodiscard]] QString executableOf(const QString& procRoot, std::int64_t processId);
+
+} // namespace kestu
