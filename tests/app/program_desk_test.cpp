@@ -64,7 +64,8 @@ TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
     EXPECT_EQ(second.errorOutput(), QStringLiteral("KESTU はすでに起動しています。前面に表示します。\n"));
     EXPECT_TRUE(first.isRunning());
 
-    Program elsewhere(program, {}, {{QStringLiteral("KESTU_DB_PATH"), folder.filePath(QStringLiteral("b.sqlite"))}});
+    Program elsewhere(program, {},
+                      {{QStringLiteral("KESTU_DB_PATH"), folder.filePath(QStringLiteral("b.sqlite"))}});
     EXPECT_EQ(elsewhere.waitForEnd(1500), -2) << "another file is another recorder's";
 
     first.send(SIGKILL);
@@ -86,11 +87,13 @@ TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
     } rowsOfTest[] = {
         {file.fileName(), "file is not a database — PRAGMA journal_mode = WAL"},
         {folder.path(), "open failed: unable to open database file"},
-        {folder.filePath(QStringLiteral("missing/kestu.sqlite")), "open failed: unable to open database file"},
+        {folder.filePath(QStringLiteral("missing/kestu.sqlite")),
+         "open failed: unable to open database file"},
     };
     for (const auto& row : rowsOfTest) {
         // Without a display there is no dialog that waits for somebody.
-        Program kestu(program, {}, {{QStringLiteral("KESTU_DB_PATH"), row.path}, {QStringLiteral("DISPLAY"), {}}});
+        Program kestu(program, {},
+                      {{QStringLiteral("KESTU_DB_PATH"), row.path}, {QStringLiteral("DISPLAY"), {}}});
         EXPECT_EQ(kestu.waitForEnd(), 1);
         EXPECT_EQ(kestu.errorOutput(), QStringLiteral("記録用のデータベースを開けませんでした：%1\n")
                                            .arg(QString::fromUtf8(row.reason)));
@@ -101,8 +104,9 @@ TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
 
     Program kestu(program, {}, {{QStringLiteral("KESTU_DB_PATH"), file.fileName()}});
     EXPECT_TRUE(waitUntil([] {
-        return !test::outputOf(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                                           QStringLiteral("--name"), QStringLiteral("^KESTU$")})
+        return !test::outputOf(QStringLiteral("xdotool"),
+                               {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                QStringLiteral("--name"), QStringLiteral("^KESTU$")})
                     .isEmpty();
     })) << "where there is a display a dialog says it";
     test::outputOf(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("Return")});
@@ -110,7 +114,8 @@ TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
 }
 
 TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
-    Program wayland(program, {}, environment({{QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("wayland")}}));
+    Program wayland(program, {},
+                    environment({{QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("wayland")}}));
     waitUntil([] { return false; }, 3000);
     EXPECT_EQ(wayland.errorOutput().count(QStringLiteral("Wayland")), 1);
     wayland.send(SIGTERM);
@@ -119,7 +124,8 @@ TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
 
     Program nowhere(program, {}, environment({{QStringLiteral("DISPLAY"), QString()}}));
     EXPECT_EQ(nowhere.waitForEnd(), 1);
-    EXPECT_TRUE(nowhere.errorOutput().contains(QStringLiteral("画面がないため"))) << nowhere.errorOutput().toStdString();
+    EXPECT_TRUE(nowhere.errorOutput().contains(QStringLiteral("画面がないため")))
+        << nowhere.errorOutput().toStdString();
 }
 
 } // namespace

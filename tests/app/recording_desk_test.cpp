@@ -31,13 +31,15 @@ protected:
 };
 
 TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
-    test::installDesktopEntry(QStringLiteral("jp.example.Editor"),
-                              QStringLiteral("Name=Editor\nName[ja]=編集\nExec=xterm\nStartupWMClass=editor-window\n"));
+    test::installDesktopEntry(
+        QStringLiteral("jp.example.Editor"),
+        QStringLiteral("Name=Editor\nName[ja]=編集\nExec=xterm\nStartupWMClass=editor-window\n"));
     const test::Terminal editor(QStringLiteral("editor-window"), QStringLiteral("メモ <b>.txt"));
     const test::Terminal other(QStringLiteral("OtherTool"), QStringLiteral("other"));
     editor.activate();
-    test::Program kestu(QStringLiteral(KESTU_PROGRAM), {},
-                        {{QStringLiteral("KESTU_DB_PATH"), path}, {QStringLiteral("LANGUAGE"), QStringLiteral("ja")}});
+    test::Program kestu(
+        QStringLiteral(KESTU_PROGRAM), {},
+        {{QStringLiteral("KESTU_DB_PATH"), path}, {QStringLiteral("LANGUAGE"), QStringLiteral("ja")}});
     ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }));
     const Instant began = rows().front().start;
 
@@ -71,7 +73,8 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
         const bool isEditor = i % 2 == 0 && i + 1 < written.size();
         const bool isRetitled = i + 1 == written.size();
         if (!isRetitled) {
-            EXPECT_EQ(row.bundleId, isEditor ? QStringLiteral("jp.example.Editor") : QStringLiteral("OtherTool"));
+            EXPECT_EQ(row.bundleId,
+                      isEditor ? QStringLiteral("jp.example.Editor") : QStringLiteral("OtherTool"));
             EXPECT_EQ(row.appName, isEditor ? QStringLiteral("編集") : QStringLiteral("OtherTool"));
             EXPECT_EQ(row.title, isEditor ? QStringLiteral("メモ <b>.txt") : QStringLiteral("other"));
         } else {

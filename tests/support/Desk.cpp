@@ -16,9 +16,9 @@ const QString xdotool = QStringLiteral("xdotool");
 } // namespace
 
 Terminal::Terminal(const QString& wmClass, const QString& title)
-    : m_program(QStringLiteral("xterm"),
-                {QStringLiteral("-class"), wmClass, QStringLiteral("-name"), wmClass, QStringLiteral("-title"),
-                 title, QStringLiteral("-e"), QStringLiteral("sleep"), QStringLiteral("600")}) {
+    : m_program(QStringLiteral("xterm"), {QStringLiteral("-class"), wmClass, QStringLiteral("-name"), wmClass,
+                                          QStringLiteral("-title"), title, QStringLiteral("-e"),
+                                          QStringLiteral("sleep"), QStringLiteral("600")}) {
     EXPECT_TRUE(waitUntil([&] {
         m_windowId = outputOf(xdotool, {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                                         QStringLiteral("--class"), u'^' + wmClass + u'$'})
@@ -33,9 +33,9 @@ void Terminal::activate() const {
 }
 
 void Terminal::setTitle(const QString& title) const {
-    outputOf(QStringLiteral("xprop"), {QStringLiteral("-id"), m_windowId, QStringLiteral("-f"),
-                                       QStringLiteral("_NET_WM_NAME"), QStringLiteral("8u"),
-                                       QStringLiteral("-set"), QStringLiteral("_NET_WM_NAME"), title});
+    outputOf(QStringLiteral("xprop"),
+             {QStringLiteral("-id"), m_windowId, QStringLiteral("-f"), QStringLiteral("_NET_WM_NAME"),
+              QStringLiteral("8u"), QStringLiteral("-set"), QStringLiteral("_NET_WM_NAME"), title});
 }
 
 void moveMouse(int x, int y) {

@@ -23,7 +23,9 @@ Program::~Program() {
     m_process.waitForFinished();
 }
 
-void Program::send(int signal) const { ::kill(static_cast<pid_t>(pid()), signal); }
+void Program::send(int signal) const {
+    ::kill(static_cast<pid_t>(pid()), signal);
+}
 
 int Program::waitForEnd(int milliseconds) {
     if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(milliseconds)) {

@@ -54,8 +54,8 @@ public:
         , m_displayAssertions(QDBusConnection::systemBus(), QDBusConnection::sessionBus())
         , m_accessibilityBus(QDBusConnection::sessionBus())
         , m_browserAddress(m_accessibilityBus)
-        , m_settings(defaultSettingsPath())
-        , m_loginItem(defaultAutostartFolder(), QCoreApplication::applicationFilePath()) {}
+        , m_settings(userSettingsPath())
+        , m_loginItem(userAutostartFolder(), QCoreApplication::applicationFilePath()) {}
 
     [[nodiscard]] Workspace& workspace() override { return *m_workspace; }
     [[nodiscard]] BrowserScripting& browserScripting() override { return m_browserAddress; }

@@ -46,8 +46,8 @@ std::optional<FrontmostApplication> X11Desktop::frontmostApplication() {
     if (!m_front) {
         return std::nullopt;
     }
-    const ApplicationIdentity identity =
-        m_ids.identify(m_front->instance, m_front->wmClass, m_front->processId);
+    const ApplicationIdentity identity = m_ids.of(
+        {.wmInstance = m_front->instance, .wmClass = m_front->wmClass, .processId = m_front->processId});
     return FrontmostApplication{.bundleId = identity.bundleId,
                                 .localizedName = identity.localizedName,
                                 .processId = m_front->processId};

@@ -21,7 +21,9 @@ using test::waitUntil;
 /// A window of this process, with just the properties that a test gives it.
 class TestWindow final {
 public:
-    TestWindow(const Xcb& xcb, const QByteArray& wmClass) : m_xcb(xcb), m_id(xcb_generate_id(xcb.connection())) {
+    TestWindow(const Xcb& xcb, const QByteArray& wmClass)
+        : m_xcb(xcb)
+        , m_id(xcb_generate_id(xcb.connection())) {
         xcb_create_window(xcb.connection(), XCB_COPY_FROM_PARENT, m_id, xcb.root(), 0, 0, 200, 100, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
         set("WM_CLASS", "STRING", wmClass);
@@ -50,8 +52,8 @@ public:
     }
 
     void activate() const {
-        QProcess::execute(QStringLiteral("xdotool"),
-                          {QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(m_id)});
+        QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"),
+                                                      QStringLiteral("--sync"), QString::number(m_id)});
     }
 
 private:
@@ -62,7 +64,9 @@ private:
 class X11DesktopTest : public testing::Test {
 protected:
     X11DesktopTest()
-        : programs(Xcb::connect(why)), ours(Xcb::connect(why)), desktop(*ours, [this] { return isHeld; }) {
+        : programs(Xcb::connect(why))
+        , ours(Xcb::connect(why))
+        , desktop(*ours, [this] { return isHeld; }) {
         QObject::connect(&desktop, &X11Desktop::activeWindowChanged, [this] { ++changes; });
     }
 
@@ -151,7 +155,8 @@ TEST_F(X11DesktopTest, SaysAtOnceAndOnceThatAnotherWindowCameToTheFront) {
 
 TEST_F(X11DesktopTest, CountsTheSecondsSinceTheLastInput) {
     X11Input input(*ours);
-    QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QStringLiteral("40"), QStringLiteral("40")});
+    QProcess::execute(QStringLiteral("xdotool"),
+                      {QStringLiteral("mousemove"), QStringLiteral("40"), QStringLiteral("40")});
     EXPECT_LT(input.secondsSinceLastInput().count(), 0.5);
     waitUntil([] { return false; }, 700);
     EXPECT_NEAR(input.secondsSinceLastInput().count(), 0.85, 0.35);

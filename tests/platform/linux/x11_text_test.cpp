@@ -21,7 +21,8 @@ TEST(X11Text, DecodesWhatProgramsSetAndDropsWhatItCannotRead) {
         {"compound latin-1", "caf\xe9", X11Encoding::compoundText, QStringLiteral("café")},
         // What Xlib makes of "a日本b" and of "ｱ日" in its own encoding.
         {"compound kanji left", "a\x1b$(BF|K\\\x1b(Bb", X11Encoding::compoundText, QStringLiteral("a日本b")},
-        {"compound kanji right", "\x1b$)B\xc6\xfc\xcb\xdc", X11Encoding::compoundText, QStringLiteral("日本")},
+        {"compound kanji right", "\x1b$)B\xc6\xfc\xcb\xdc", X11Encoding::compoundText,
+         QStringLiteral("日本")},
         {"compound katakana", "\x1b)I\xb1\x1b$(BF|", X11Encoding::compoundText, QStringLiteral("ｱ日")},
         {"compound utf-8", "a\x1b%G\xe2\x82\xac\x1b%@b", X11Encoding::compoundText, QStringLiteral("a€b")},
         {"compound chinese", "\x1b$(A0!", X11Encoding::compoundText, std::nullopt},

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gio/gio.h>
+
+#include "platform/linux/DesktopOpener.h"
+
+#include "platform/PlatformError.h"
+
+#include <QFileInfo>
+
+#include <memory>
+
+namespace kestu {
+namespace {
+
+struct ErrorRelease {
+    void operator()(GError* error) const { g_error_free(error); }
+};
+
+void launch(const QUrl& address, const QString& failure) {
+    GError* raised = nullptr;
+    if (g_app_info_launch_default_for_uri(address.toEncoded().constData(), nullptr, &raised) != FALSE) {
+        return;
+    }
+    const std::unique_ptr<GError, ErrorRelease> error{raised};
+    throw PlatformError(failure + QString::fromUtf8(error->message));
+}
+
+} // namespace
+
+void DesktopOpener::openFolder(const QString& path) {
+    const QString failure = QStringLiteral("フォルダを開けませんでした：");
+    const QFileInfo folder(path);
+    if (!folder.isDir()) {
+        throw PlatformError(failure + QStringLiteral("フォルダが見つかりません（%1）").arg(path));
+    }
+    launch(QUrl::fromLocalFile(folder.absoluteFilePath()), failure);
+}
+
+void DesktopOpener::openAddress(const QUrl& address) {
+    const QString failure = QStringLiteral("Web ページを開けませんでした：");
+    const bool isWeb = address.scheme() == u"http" || address.scheme() == u"https";
+    if (!isWeb || address.host().isEmpty()) {
+        throw PlatformError(failure +
+                            QStringLiteral("Web アドレスではありません（%1）").arg(address.toString()));
+    }
+    launch(address, failure);
+}
+
+} // namespace kestu
