@@ -39,7 +39,7 @@ std::optional<FrontmostApplication> X11Desktop::frontmostApplication() {
         m_front = m_reader.read(window);
         m_sinceSomethingWasActive.start();
     } else if (!m_sinceSomethingWasActive.isValid() ||
-               m_sinceSomethingWasActive.durationElapsed() > betweenWindows) {
+               m_sinceSomethingWasActive.hasExpired(betweenWindows.count())) {
         m_front.reset();
     }
     takeEvents();
