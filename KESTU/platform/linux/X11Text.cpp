@@ -3,6 +3,8 @@
 
 #include <glib.h>
 
+#include <QList>
+
 #include <memory>
 
 namespace kestu {
@@ -108,7 +110,7 @@ private:
 } // namespace
 
 std::optional<QString> decodedX11Text(const QByteArray& bytes, X11Encoding encoding) {
-    const QByteArray first = bytes.left(bytes.indexOf('\0'));
+    const QByteArray first = bytes.split('\0').constFirst();
     switch (encoding) {
     case X11Encoding::utf8:
         return QString::fromUtf8(first);
