@@ -11,8 +11,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
+#include <sys/resource.h>
 #include <sys/stat.h>
+
+#include <csignal>
+#include <map>
 
 namespace kestu {
 namespace {
@@ -162,6 +165,23 @@ TEST(Opening, AnnouncesOnlyTheStepsThatTakeTheirTime) {
     EXPECT_EQ(announced, 2); // the backup and the index
     openIn(home.path(), [&] { ++announced; });
     EXPECT_EQ(announced, 2);
+}
+
+TEST(Opening, GoesOnWithoutABackupForWhichThereIsNoRoomAndLeavesNoHalfOfOne) {
+    const QTemporaryDir home;
+    const QString path = home.filePath(QStringLiteral("KESTU/kestu.sqlite"));
+    writeFileOfVersion(2, path);
+    Database(path).executeScript(
+        QStringLiteral("CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(3000000))"));
+
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit narrow{.rlim_cur = 1000000, .rlim_max = before.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN); // else the limit ends the process instead of failing the write
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &narrow), 0);
+    EXPECT_EQ(openIn(home.path())->database().userVersion(), currentSchemaVersion);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    EXPECT_FALSE(QFileInfo::exists(home.filePath(QStringLiteral("KESTU/kestu-backup-v2.sqlite"))));
 }
 
 TEST(Opening, DoesWithoutTheLengthIndexWhereItCannotBeMade) {
