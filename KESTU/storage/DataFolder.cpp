@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringBuilder>
 
 #include <filesystem>
@@ -17,16 +18,12 @@ std::filesystem::path pathOf(const QString& path) {
     return QFile::encodeName(path).toStdString();
 }
 
-/// Also true for a link that leads nowhere: nothing of the user's is ever replaced.
-bool isTaken(const QString& path) {
-    std::error_code unknown;
-    return std::filesystem::exists(std::filesystem::symlink_status(pathOf(path), unknown));
-}
-
+/// Moves what is at `from`, unless the name `to` is taken, be it by a link that leads nowhere: nothing of
+/// the user's is ever replaced.
 void moveWhereFree(const QString& from, const QString& to) {
-    if (isTaken(from) && !isTaken(to)) {
-        // What cannot be moved stays where it was, whole; the store then starts without it.
-        std::error_code ignored;
+    std::error_code ignored; // what cannot be moved stays where it was, whole; the store starts without it
+    const bool isTaken = std::filesystem::exists(std::filesystem::symlink_status(pathOf(to), ignored));
+    if (QFileInfo::exists(from) && !isTaken) {
         std::filesystem::rename(pathOf(from), pathOf(to), ignored);
     }
 }
@@ -34,7 +31,7 @@ void moveWhereFree(const QString& from, const QString& to) {
 /// An installation under the former name left its folder and file names; both become ours.
 void carryOverFormerInstallation(const QString& base, const QString& folder) {
     const QString formerFolder = base % u"/Orvinta";
-    if (!isTaken(formerFolder)) {
+    if (!QFileInfo::exists(formerFolder)) {
         return;
     }
     moveWhereFree(formerFolder, folder);
