@@ -61,7 +61,9 @@ void LoginManager::readState() {
     followSession(ownSession(deadline));
     const auto preparing = busProperty(m_bus, service, managerPath, managerInterface,
                                        QStringLiteral("PreparingForSleep"), deadline);
-    const auto locked = busProperty(m_bus, service, m_session, sessionInterface, lockedHint, deadline);
+    const auto locked = m_session.isEmpty()
+                            ? std::nullopt
+                            : busProperty(m_bus, service, m_session, sessionInterface, lockedHint, deadline);
     setLocked(locked && locked->toBool());
     setAsleep(preparing && preparing->toBool());
     if (!m_asleep) {

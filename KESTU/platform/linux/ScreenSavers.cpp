@@ -56,8 +56,8 @@ ScreenSavers::ScreenSavers(const QDBusConnection& sessionBus)
                       SLOT(onActiveChanged(bool, QDBusMessage)));
         if (const auto reply = callBus(m_bus, getActive(service), {}, deadline)) {
             setActive(service, saysActive(*reply));
-        } else if (deadline.hasExpired()) {
-            askLater(service); // the desktop is still starting, or one saver kept us waiting
+        } else {
+            askLater(service); // the desktop may still be starting, or another saver took all the time
         }
     }
 }
