@@ -18,12 +18,23 @@ struct ListRelease {
     void operator()(GList* list) const { g_list_free_full(list, g_object_unref); }
 };
 
+struct ArgumentsRelease {
+    void operator()(gchar** arguments) const { g_strfreev(arguments); }
+};
+
+/// The command line is parted here: the library's own "executable" ends at the first blank, inside of quotes
+/// too.
 QString windowProgram(GDesktopAppInfo* info) {
-    const char* program = g_app_info_get_executable(G_APP_INFO(info));
-    if (program == nullptr || g_desktop_app_info_get_boolean(info, "Terminal") != FALSE) {
+    const char* commandLine = g_app_info_get_commandline(G_APP_INFO(info));
+    if (commandLine == nullptr || g_desktop_app_info_get_boolean(info, "Terminal") != FALSE) {
         return {};
     }
-    return QFileInfo(QStandardPaths::findExecutable(QFile::decodeName(program))).canonicalFilePath();
+    gchar** parsed = nullptr;
+    if (g_shell_parse_argv(commandLine, nullptr, &parsed, nullptr) == FALSE) {
+        return {};
+    }
+    const std::unique_ptr<gchar*, ArgumentsRelease> arguments{parsed};
+    return QFileInfo(QStandardPaths::findExecutable(QFile::decodeName(*parsed))).canonicalFilePath();
 }
 
 DesktopEntry entryOf(GDesktopAppInfo* desktopInfo) {

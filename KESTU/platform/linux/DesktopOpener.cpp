@@ -22,7 +22,9 @@ void launch(const QUrl& address, const QString& failure) {
         return;
     }
     const std::unique_ptr<GError, ErrorRelease> error{raised};
-    throw PlatformError(failure + QString::fromUtf8(error->message));
+    const bool hasNoProgram = g_error_matches(raised, G_IO_ERROR, G_IO_ERROR_NOT_SUPPORTED) != FALSE;
+    throw PlatformError(failure + (hasNoProgram ? QStringLiteral("対応するアプリケーションがありません")
+                                                : QString::fromUtf8(raised->message)));
 }
 
 } // namespace

@@ -22,6 +22,18 @@ std::error_code makePrivateFolder(const std::filesystem::path& folder) {
     return error;
 }
 
+/// A disk that runs full takes a part first; only the next write says why it takes no more.
+bool writeAll(QIODevice& device, QByteArrayView contents) {
+    while (!contents.isEmpty()) {
+        const qint64 written = device.write(contents.data(), contents.size());
+        if (written <= 0) {
+            return false;
+        }
+        contents = contents.sliced(written);
+    }
+    return true;
+}
+
 } // namespace
 
 QString userConfigHome() {
@@ -37,9 +49,11 @@ void replaceUserFile(const QString& path, const QByteArray& contents, const QStr
         fail(QString::fromLocal8Bit(error.message()));
     }
     QSaveFile file(path);
-    const bool isWritten = file.open(QIODevice::WriteOnly) &&
+    // Unbuffered: what a buffer cannot write to a full disk is noticed too late, and half a file is put in
+    // the place of the whole one.
+    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
                            file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
-                           file.write(contents) == contents.size() && file.commit();
+                           writeAll(file, contents) && file.commit();
     if (!isWritten) {
         fail(file.errorString());
     }
