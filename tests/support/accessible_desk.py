@@ -1,0 +1,148 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A made-up accessibility bus: `desk` is its launcher and registry, `program FILE` one program on it.
+
+FILE describes the program's windows as JSON and is read again with every question, so a test changes the
+program by writing it: [{"name", "active", "page": {attribute: value}, "looks"}]. The page is found only after
+it was looked for in vain `looks` times. SESSION and ACCESSIBILITY in the environment are the buses' addresses.
+"""
+
+import json
+import os
+import sys
+
+import dbus
+import dbus.bus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+REGISTRY = "org.a11y.atspi.Registry"
+ROOT = "/org/a11y/atspi/accessible/root"
+ACTIVE, SHOWING, WEB_DOCUMENT = 1, 25, 95
+
+
+class Launcher(dbus.service.Object):
+    enabled = False
+
+    @dbus.service.method("org.a11y.Bus", out_signature="s")
+    def GetAddress(self):
+        return os.environ["ACCESSIBILITY"]
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
+    def Get(self, interface, name):
+        assert (interface, name) == ("org.a11y.Status", "IsEnabled")
+        return dbus.Boolean(self.enabled)
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ssv")
+    def Set(self, interface, name, value):
+        assert (interface, name) == ("org.a11y.Status", "IsEnabled")
+        self.enabled = bool(value)
+
+
+class Registry(dbus.service.Object):
+    def __init__(self, bus):
+        super().__init__(bus, "/org/a11y/atspi/registry")
+        self.listening = False
+        self.roots = []
+
+    @dbus.service.method(REGISTRY, in_signature="sass")
+    def RegisterEvent(self, event, properties, program):
+        self.listening = self.listening or event == "window:activate"
+
+    @dbus.service.method(REGISTRY, out_signature="b")
+    def IsListening(self):
+        return self.listening
+
+    @dbus.service.method(REGISTRY, in_signature="o", sender_keyword="sender")
+    def Embed(self, path, sender):
+        self.roots.append((sender, path))
+
+
+class RegistryRoot(dbus.service.Object):
+    def __init__(self, bus, registry):
+        super().__init__(bus, ROOT)
+        self.registry = registry
+
+    @dbus.service.method("org.a11y.atspi.Accessible", out_signature="a(so)")
+    def GetChildren(self):
+        return dbus.Array(self.registry.roots, signature="(so)")
+
+
+class Program(dbus.service.Object):
+    def __init__(self, bus, file):
+        super().__init__(bus, ROOT)
+        self.bus = bus
+        self.file = file
+        self.objects = []
+
+    def windows(self):
+        with open(self.file, encoding="utf-8") as description:
+            windows = json.load(description)
+        while len(self.objects) < len(windows):
+            self.objects.append(Window(self, len(self.objects)))
+        return windows
+
+    @dbus.service.method("org.a11y.atspi.Accessible", out_signature="a(so)")
+    def GetChildren(self):
+        return dbus.Array([(self.bus.get_unique_name(), f"/{i}") for i in range(len(self.windows()))],
+                          signature="(so)")
+
+
+class Window(dbus.service.Object):
+    """A window, and as its own only child the page in it."""
+
+    def __init__(self, program, index):
+        super().__init__(program.bus, f"/{index}")
+        self.program = program
+        self.index = index
+        self.looks = {}
+
+    def description(self):
+        return self.program.windows()[self.index]
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
+    def Get(self, interface, name):
+        return self.description()["name"]
+
+    @dbus.service.method("org.a11y.atspi.Accessible", out_signature="au")
+    def GetState(self):
+        # As one browser does: no window is marked as long as nobody listens.
+        listening = self.program.bus.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY, "IsListening", "", ())
+        active = self.description().get("active", False) and listening
+        return dbus.Array([(1 << ACTIVE if active else 0) | (1 << SHOWING), 0], signature="u")
+
+    @dbus.service.method("org.a11y.atspi.Collection", in_signature="(aiia{ss}iaiiasib)uib",
+                         out_signature="a(so)")
+    def GetMatches(self, rule, order, count, traverse):
+        states, roles = (sum((word & 0xFFFFFFFF) << 32 * i for i, word in enumerate(rule[part])) for part in (0, 4))
+        description = self.description()
+        page = json.dumps(description.get("page"))
+        self.looks[page] = self.looks.get(page, 0) + 1
+        found = (states == 1 << SHOWING and roles == 1 << WEB_DOCUMENT and traverse and not rule[8]
+                 and "page" in description and self.looks[page] > description.get("looks", 0))
+        return dbus.Array([(self.program.bus.get_unique_name(), f"/{self.index}")] if found else [],
+                          signature="(so)")
+
+    @dbus.service.method("org.a11y.atspi.Document", out_signature="a{ss}")
+    def GetAttributes(self):
+        return dbus.Dictionary(self.description()["page"], signature="ss")
+
+
+def main():
+    dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+    accessibility = dbus.bus.BusConnection(os.environ["ACCESSIBILITY"])
+    loop = GLib.MainLoop()
+    if sys.argv[1] == "desk":
+        session = dbus.bus.BusConnection(os.environ["SESSION"])
+        kept = [Launcher(session, "/org/a11y/bus"), RegistryRoot(accessibility, Registry(accessibility))]
+        accessibility.request_name(REGISTRY)
+        session.request_name("org.a11y.Bus")
+    else:
+        kept = [Program(accessibility, sys.argv[2])]
+        accessibility.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY, "Embed", "o", (ROOT,))
+    print("ready", flush=True)
+    loop.run()
+    del kept
+
+
+main()
