@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 int main(int argc, char* argv[]) {
+    // Whatever service a test may start by its questions: the user's own settings stay as they are.
+    qputenv("GSETTINGS_BACKEND", "memory");
     testing::InitGoogleTest(&argc, argv);
     const QCoreApplication application(argc, argv);
     return RUN_ALL_TESTS();

@@ -240,11 +240,3 @@ TEST_F(BrowserAddressTest, IsAbsentWithoutABusAndComesBackWithOne) {
 
 } // namespace
 } // namespace kestu
-
-int main(int argc, char** argv) {
-    // Whatever service a failing test may start by its questions: the user's own settings stay as they are.
-    qputenv("GSETTINGS_BACKEND", "memory");
-    const QCoreApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
