@@ -127,7 +127,7 @@ ApplicationIdentity ApplicationIds::of(const WindowFacts& window) {
     if (const ApplicationIdentity* known = m_known.object(window)) {
         return *known;
     }
-    const ApplicationIdentity found = identityOf(window, m_entries(), m_procRoot);
+    ApplicationIdentity found = identityOf(window, m_entries(), m_procRoot);
     m_known.insert(window, std::make_unique<ApplicationIdentity>(found).release());
     return found;
 }

@@ -112,8 +112,8 @@ TEST_F(InstalledDesktop, KnowsAProgramThatIsInstalledWhileItRuns) {
 }
 
 TEST_F(InstalledDesktop, ReadsTheProgramOfAnAutostartEntryAsItWasWritten) {
-    addProgram("odd $HOME \"`x\\y", "exit 0");
-    const QString program = path("bin/odd $HOME \"`x\\y");
+    addProgram("odd $HOME \"`x\\\\y", "exit 0");
+    const QString program = path("bin/odd $HOME \"`x\\\\y");
     AutostartEntry autostart(path("data/applications"), program);
     autostart.enable();
     ASSERT_TRUE(waitUntil([] { return installed("kestu").has_value(); }));
@@ -150,7 +150,7 @@ TEST_F(InstalledDesktop, SaysWhyNothingWasOpened) {
     using testing::MatchesRegex;
     EXPECT_THAT(reasonOf([&] { opener.openFolder(path("bin/tool")); }),
                 MatchesRegex("フォルダを開けませんでした：フォルダが見つかりません.*/bin/tool.*"));
-    for (const char* text : {"file:///etc", "http:", "", "mailto:a@b.c"}) {
+    for (const char* text : {"file://example.org/etc", "http:", "", "mailto:a@b.c"}) {
         EXPECT_THAT(address(text), MatchesRegex("Web ページを開けませんでした：Web アドレスではありません.*"))
             << text;
     }
