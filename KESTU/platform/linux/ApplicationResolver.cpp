@@ -2,6 +2,7 @@
 #include "platform/linux/ApplicationResolver.h"
 
 #include "platform/linux/LaunchScope.h"
+#include "platform/linux/ProcessTree.h"
 #include "platform/linux/ProductTable.h"
 
 #include <QFileInfo>
@@ -62,16 +63,6 @@ bool runsOtherPrograms(const QString& executable) {
                        R"(nice|bwrap|firejail|flatpak|snap|snap-confine|wine|wine-preloader|wine64|)"
                        R"(wine64-preloader|qemu-.*|Xephyr|Xwayland|xterm|rxvt|urxvt|st)[-\d.]*$)"));
     return hosts.match(QFileInfo(executable).fileName()).hasMatch();
-}
-
-/// The program file of the process, also when an update has replaced it since.
-QString executableOf(const QString& procRoot, std::int64_t processId) {
-    constexpr QStringView replaced = u" (deleted)";
-    QString path = QFile::symLinkTarget(QStringLiteral("%1/%2/exe").arg(procRoot).arg(processId));
-    if (path.endsWith(replaced)) {
-        path.chop(replaced.size());
-    }
-    return path;
 }
 
 const DesktopEntry* entryOfExecutable(Entries entries, const QString& executable) {

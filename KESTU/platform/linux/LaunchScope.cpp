@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/LaunchScope.h"
 
-#include <QFile>
+#include "platform/linux/ProcessTree.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -12,12 +13,6 @@ struct Scope {
     QString launcher; // "flatpak", "gnome", …; may be empty
     QString id;
 };
-
-/// Empty on any failure: processes end between two looks, and those of other users stay closed.
-QByteArray processFile(const QString& procRoot, std::int64_t processId, QStringView name) {
-    QFile file(QStringLiteral("%1/%2/%3").arg(procRoot, QString::number(processId), name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 std::optional<QString> flatpakId(const QString& procRoot, std::int64_t processId) {
     const QByteArray info = processFile(procRoot, processId, u"root/.flatpak-info");
@@ -88,15 +83,6 @@ std::optional<Scope> scopeAround(const QByteArray& cgroups) {
     return std::nullopt;
 }
 
-std::optional<std::int64_t> parentOf(const QString& procRoot, std::int64_t processId) {
-    const QByteArray stat = processFile(procRoot, processId, u"stat");
-    // "PID (name) STATE PARENT …", and the name may hold spaces and brackets.
-    const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 1).simplified().split(' ');
-    bool isNumber = false;
-    const std::int64_t parent = fields.value(1).toLongLong(&isNumber);
-    return isNumber ? std::optional(parent) : std::nullopt;
-}
-
 } // namespace
 
 std::optional<QString> sandboxId(const QString& procRoot, std::int64_t processId) {
@@ -116,7 +102,7 @@ std::optional<QString> sandboxId(const QString& procRoot, std::int64_t processId
 std::optional<QString> launchedId(const QString& procRoot, std::int64_t processId) {
     const QByteArray cgroups = processFile(procRoot, processId, u"cgroup");
     const auto scope = scopeAround(cgroups);
-    const auto parent = parentOf(procRoot, processId);
+    const auto parent = parentProcess(procRoot, processId);
     if (!scope || !parent || processFile(procRoot, *parent, u"cgroup") == cgroups) {
         return std::nullopt;
     }
