@@ -3,8 +3,10 @@
 
 #include "storage/PrivateFiles.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QStringBuilder>
+#include <QThread>
 
 #include <sqlite3.h>
 
@@ -144,10 +146,24 @@ Database::Database(const QString& path) {
     if (path == u":memory:") {
         return;
     }
-    executeScript(QStringLiteral("PRAGMA journal_mode = WAL"));
+    useWriteAheadLog();
     // Only now is it known to be a database. Later companions take the database file's mode.
     for (const auto suffix : {QStringView(), QStringView(u"-wal"), QStringView(u"-shm")}) {
         makeFilePrivate(path % suffix);
+    }
+}
+
+/// SQLite does not wait by itself here: of two processes that meet on a new file, one is refused at once.
+void Database::useWriteAheadLog() {
+    const QString sql = QStringLiteral("PRAGMA journal_mode = WAL");
+    const QDeadlineTimer patience(busyTimeoutMilliseconds);
+    int result = SQLITE_BUSY;
+    while (result == SQLITE_BUSY) {
+        result = sqlite3_exec(m_handle.get(), sql.toUtf8().constData(), nullptr, nullptr, nullptr);
+        if (result != SQLITE_OK && (result != SQLITE_BUSY || patience.hasExpired())) {
+            throw failure(m_handle.get(), sql);
+        }
+        QThread::msleep(result == SQLITE_BUSY ? 10 : 0);
     }
 }
 

@@ -125,6 +125,7 @@ private:
         bool m_committed = false;
     };
 
+    void useWriteAheadLog();
     void forEachRow(const QString& sql, const SqlValues& arguments,
                     const std::function<void(const Row&)>& visit) const;
 
