@@ -13,7 +13,6 @@
 namespace kestu {
 namespace {
 
-using test::dump;
 using test::TemporaryStore;
 
 constexpr double hour = 3600;
