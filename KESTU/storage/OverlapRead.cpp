@@ -39,8 +39,8 @@ constexpr double shortLength = 12.0 * 60.0 * 60.0;
 
 /// The `low` of overlapByIndex. An activity that starts before it and ends after `from` must count as
 /// longer than `shortLength`, in SQLite's rounded subtraction too. Rounding keeps order, so the activity's
-/// length is no less than `from - low`: that this is greater is all that there is to check. It fails only
-/// some hundred million years from now, where doubles are too coarse; then every start is looked at.
+/// length is no less than `from - low`: that this is greater is all that there is to check. The check can
+/// fail only where doubles are coarser than a second; there every start is looked at.
 double lowestStartOfShort(double from) {
     const double low = from - shortLength - 1.0;
     return from - low > shortLength ? low : -std::numeric_limits<double>::infinity();

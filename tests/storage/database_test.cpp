@@ -62,7 +62,7 @@ TEST(Database, TextOfAnyKindIsStoredWholeBesideItsNeighbour) {
     database.executeScript(QStringLiteral("CREATE TABLE t (a, b)"));
     const QString replacement(QChar::ReplacementCharacter);
     const QString nul(QChar::Null);
-    const QString mebibyte = QString(1024 * 1024, u'長');
+    const QString mebibyte = QString(qsizetype{1024} * 1024, u'長');
     const struct {
         QString text;
         QString stored;
