@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <optional>
 
 namespace kestu {
 
@@ -53,7 +52,7 @@ protected:
         m_manager.announce(managerInterface, QStringLiteral("PrepareForSleep"), starting);
     }
 
-    /// "what mode", for each inhibitor that someone holds.
+    /// "who: what mode", for each inhibitor that someone holds.
     QStringList inhibitors() {
         const QVariantList reply = m_manager.call(managerInterface, QStringLiteral("ListInhibitors"), {});
         const auto list = reply.value(0).value<QDBusArgument>();
@@ -156,7 +155,7 @@ TEST_F(LoginManagerTest, FindsALoginManagerThatComesBack) {
 TEST_F(LoginManagerTest, ForgetsTheLockOfALoginManagerThatStaysAway) {
     startLoginManager();
     setLocked(m_auto, true);
-    LoginManager manager(m_bus.connect(), 200ms);
+    LoginManager manager(m_bus.connect(), 400ms);
     ASSERT_TRUE(manager.isLocked());
 
     m_manager.sendSignal(SIGKILL);
@@ -170,7 +169,7 @@ TEST_F(LoginManagerTest, WaitsBrieflyForOneThatHangsAndAsksItAgain) {
     m_manager.sendSignal(SIGSTOP);
     QElapsedTimer timer;
     timer.start();
-    LoginManager manager(m_bus.connect(), 50ms);
+    LoginManager manager(m_bus.connect(), 300ms);
     EXPECT_LT(timer.elapsed(), 300);
     EXPECT_FALSE(manager.isLocked());
 
