@@ -7,6 +7,7 @@
 #include <QDBusArgument>
 #include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -88,10 +89,12 @@ TEST_F(LoginManagerTest, DelaysASleepUntilItHasBeenReportedAndTheNextOneAgain) {
     startLoginManager();
     LoginManager manager(m_bus.connect());
     ASSERT_TRUE(inhibitorsBecome(m_ours));
+    waitUntil([] { return false; }, 50); // until the answer has arrived here too
     QSignalSpy changes(&manager, &LoginManager::asleepChanged);
     QStringList heldWhileReporting;
     QObject::connect(&manager, &LoginManager::asleepChanged, &manager, [&](bool asleep) {
         if (asleep) {
+            QThread::msleep(50); // one let go too early is missed by then
             heldWhileReporting = inhibitors();
         }
     });
@@ -141,7 +144,7 @@ TEST_F(LoginManagerTest, PrefersItsOwnSessionAndReadsHowThingsStandAtStart) {
 
 TEST_F(LoginManagerTest, FindsALoginManagerThatComesBack) {
     startLoginManager();
-    LoginManager manager(m_bus.connect());
+    LoginManager manager(m_bus.connect(), 1min);
     ASSERT_TRUE(inhibitorsBecome(m_ours));
     announceSleep(true);
     ASSERT_TRUE(waitUntil([&] { return manager.isAsleep(); }));
