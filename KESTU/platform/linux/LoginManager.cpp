@@ -65,10 +65,7 @@ void LoginManager::readState() {
                             ? std::nullopt
                             : busProperty(m_bus, service, m_session, sessionInterface, lockedHint, deadline);
     setLocked(locked && locked->toBool());
-    setAsleep(preparing && preparing->toBool());
-    if (!m_asleep) {
-        takeInhibitor();
-    }
+    onPrepareForSleep(preparing && preparing->toBool());
 }
 
 /// A program started by the user's service manager belongs to no session of its own; "auto" is then the

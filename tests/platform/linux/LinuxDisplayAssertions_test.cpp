@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <optional>
+#include <vector>
 
 namespace kestu {
 

@@ -7,11 +7,11 @@
 #include <QDBusArgument>
 #include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <optional>
 
 namespace kestu {
 
@@ -53,7 +53,7 @@ protected:
         m_manager.announce(managerInterface, QStringLiteral("PrepareForSleep"), starting);
     }
 
-    /// "what mode", for each inhibitor that someone holds.
+    /// "who: what mode", for each inhibitor that someone holds.
     QStringList inhibitors() {
         const QVariantList reply = m_manager.call(managerInterface, QStringLiteral("ListInhibitors"), {});
         const auto list = reply.value(0).value<QDBusArgument>();
@@ -89,10 +89,12 @@ TEST_F(LoginManagerTest, DelaysASleepUntilItHasBeenReportedAndTheNextOneAgain) {
     startLoginManager();
     LoginManager manager(m_bus.connect());
     ASSERT_TRUE(inhibitorsBecome(m_ours));
+    waitUntil([] { return false; }, 50); // until the answer has arrived here too
     QSignalSpy changes(&manager, &LoginManager::asleepChanged);
     QStringList heldWhileReporting;
     QObject::connect(&manager, &LoginManager::asleepChanged, &manager, [&](bool asleep) {
         if (asleep) {
+            QThread::msleep(50); // one let go too early is missed by then
             heldWhileReporting = inhibitors();
         }
     });
@@ -142,7 +144,7 @@ TEST_F(LoginManagerTest, PrefersItsOwnSessionAndReadsHowThingsStandAtStart) {
 
 TEST_F(LoginManagerTest, FindsALoginManagerThatComesBack) {
     startLoginManager();
-    LoginManager manager(m_bus.connect());
+    LoginManager manager(m_bus.connect(), 1min);
     ASSERT_TRUE(inhibitorsBecome(m_ours));
     announceSleep(true);
     ASSERT_TRUE(waitUntil([&] { return manager.isAsleep(); }));
@@ -156,7 +158,7 @@ TEST_F(LoginManagerTest, FindsALoginManagerThatComesBack) {
 TEST_F(LoginManagerTest, ForgetsTheLockOfALoginManagerThatStaysAway) {
     startLoginManager();
     setLocked(m_auto, true);
-    LoginManager manager(m_bus.connect(), 200ms);
+    LoginManager manager(m_bus.connect(), 400ms);
     ASSERT_TRUE(manager.isLocked());
 
     m_manager.sendSignal(SIGKILL);
@@ -170,7 +172,7 @@ TEST_F(LoginManagerTest, WaitsBrieflyForOneThatHangsAndAsksItAgain) {
     m_manager.sendSignal(SIGSTOP);
     QElapsedTimer timer;
     timer.start();
-    LoginManager manager(m_bus.connect(), 50ms);
+    LoginManager manager(m_bus.connect(), 300ms);
     EXPECT_LT(timer.elapsed(), 300);
     EXPECT_FALSE(manager.isLocked());
 
