@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A made-up accessibility bus: `desk` is its launcher and registry, `program FILE` one program on it.
 
-FILE describes the program's windows as JSON and is read again with every question, so a test changes the
-program by writing it: [{"name", "active", "page": {attribute: value}, "looks"}]. The page is found only after
-it was looked for in vain `looks` times. SESSION and ACCESSIBILITY in the environment are the buses' addresses.
+FILE describes the program's windows as JSON and is read again with every question, so that a test changes
+the program by writing it: [{"name", "active", "page": {attribute: value}, "looks"}]. The page is found only
+after it was looked for in vain `looks` times. SESSION and ACCESSIBILITY in the environment are the buses' addresses.
 """
 
 import json
@@ -107,14 +107,16 @@ class Window(dbus.service.Object):
     @dbus.service.method("org.a11y.atspi.Accessible", out_signature="au")
     def GetState(self):
         # As one browser does: no window is marked as long as nobody listens.
-        listening = self.program.bus.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY, "IsListening", "", ())
+        listening = self.program.bus.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY,
+                                                   "IsListening", "", ())
         active = self.description().get("active", False) and listening
         return dbus.Array([(1 << ACTIVE if active else 0) | (1 << SHOWING), 0], signature="u")
 
     @dbus.service.method("org.a11y.atspi.Collection", in_signature="(aiia{ss}iaiiasib)uib",
                          out_signature="a(so)")
     def GetMatches(self, rule, order, count, traverse):
-        states, roles = (sum((word & 0xFFFFFFFF) << 32 * i for i, word in enumerate(rule[part])) for part in (0, 4))
+        states, roles = (sum((word & 0xFFFFFFFF) << 32 * i for i, word in enumerate(rule[part]))
+                         for part in (0, 4))
         description = self.description()
         page = json.dumps(description.get("page"))
         self.looks[page] = self.looks.get(page, 0) + 1

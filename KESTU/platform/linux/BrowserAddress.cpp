@@ -65,7 +65,7 @@ std::optional<Window> frontWindow(const QList<Window>& windows, const QString& t
 QString addressIn(const QMap<QString, QString>& attributes) {
     static const QStringList spellings{QStringLiteral("DocURL"), QStringLiteral("URI")}; // Firefox, Chromium
     for (const QString& spelling : spellings) {
-        const QString address = attributes.value(spelling);
+        QString address = attributes.value(spelling);
         if (!address.isEmpty() && address != u"about:blank") {
             return address;
         }

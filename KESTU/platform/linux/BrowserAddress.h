@@ -26,9 +26,9 @@ public:
 
     [[nodiscard]] std::vector<BrowserScript> furtherBrowsers() const override;
 
-    /// Switches the accessibility bus on when first called. Blocks without running the event loop: 10 to 20
-    /// milliseconds for a page that is there, up to a second for one that is not there yet, 0.3 seconds for a
-    /// browser that hangs.
+    /// Switches the accessibility bus on when first called. Blocks without running the event loop: some tens
+    /// of milliseconds for a page that is there, up to a second for one that is not there yet, 0.3 seconds
+    /// for a browser that hangs.
     [[nodiscard]] std::optional<QString> run(const AddressRequest& request) override;
 
 private:

@@ -43,8 +43,7 @@ private:
     [[nodiscard]] bool owesAnAnswer(const QString& service);
 
     QDBusConnection m_bus;
-    // By service. An entry ends with the answer or with the program, so there are never more than hung
-    // programs.
+    // By service. An entry ends with the answer or with the program: never more than there are hung programs.
     std::map<QString, QDBusPendingCall> m_owed;
 };
 

@@ -23,9 +23,10 @@ namespace kestu {
 namespace {
 
 class BrowserAddressTest : public ::testing::Test {
-protected:
+public:
     ~BrowserAddressTest() override { endProcesses(); }
 
+protected:
     void endProcesses() {
         for (const auto& process : m_processes) {
             process->kill(); // also ends a stopped one
@@ -221,7 +222,9 @@ TEST_F(BrowserAddressTest, SwitchesTheBusOnOnceAndLeavesItOffWhenTheUserWantsItO
 }
 
 TEST_F(BrowserAddressTest, IsAbsentWithoutABusAndComesBackWithOne) {
-    const auto page = R"([{"name": "A", "page": {"DocURL": "http://a/"}}])";
+    // Only the mark tells these two apart, and the new registry has to be told again that we listen.
+    const auto page = R"([{"name": "A", "page": {"URI": "http://other/"}},
+                          {"name": "A", "active": true, "page": {"URI": "http://a/"}}])";
     // Who holds the launcher's name and answers nothing: else the question would start the system's own.
     QDBusConnection silent = m_session.connect();
     ASSERT_TRUE(silent.registerService(QStringLiteral("org.a11y.Bus")));
