@@ -28,7 +28,7 @@ DatabaseError openFailure(const QString& message) {
     return DatabaseError(u"open failed: " % message);
 }
 
-/// Text as it is bound: up to the end, so a NUL inside must not pass for the end.
+/// Text is bound up to its first NUL, so one inside it must not pass for the end.
 QByteArray boundText(const QString& text) {
     constexpr QChar replacement(QChar::ReplacementCharacter);
     return text.contains(QChar::Null) ? QString(text).replace(QChar::Null, replacement).toUtf8()

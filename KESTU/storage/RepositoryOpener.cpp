@@ -18,11 +18,14 @@ QString backupPath(const QString& databasePath, std::int64_t version) {
     return QFileInfo(databasePath).path() + QStringLiteral("/kestu-backup-v%1.sqlite").arg(version);
 }
 
-void writeBackup(Database& database, const QString& path) {
+void writeBackup(Database& database, const QString& path, const std::function<void()>& onLongStep) {
     const PrivateCreation forTheOwner;
     QString quoted = path;
     quoted.replace(QStringLiteral("'"), QStringLiteral("''"));
     try {
+        if (onLongStep && isLargeFile(database)) {
+            onLongStep();
+        }
         database.executeScript(u"VACUUM INTO '" % quoted % u"'");
     } catch (const DatabaseError&) {
         // Without room for a copy the user still gets at the records. But half a copy must not pass for a
@@ -40,13 +43,9 @@ void backUpOlderFile(Database& database, const QString& databasePath,
     const std::int64_t version = database.userVersion();
     const QString backup = backupPath(databasePath, version);
     const bool isOlder = version >= firstSchemaVersion && version < currentSchemaVersion;
-    if (!isOlder || QFileInfo::exists(backup)) {
-        return;
+    if (isOlder && !QFileInfo::exists(backup)) {
+        writeBackup(database, backup, onLongStep);
     }
-    if (onLongStep && isLargeFile(database)) {
-        onLongStep();
-    }
-    writeBackup(database, backup);
 }
 
 } // namespace
