@@ -19,6 +19,8 @@ namespace {
 using test::Program;
 using test::waitUntil;
 
+constexpr int patience = 20000; // milliseconds, for a program that starts on a busy machine
+
 class ProgramTest : public testing::Test {
 protected:
     [[nodiscard]] Program::Environment environment(Program::Environment more = {}) const {
@@ -32,7 +34,7 @@ protected:
     }
 
     bool records() {
-        return waitUntil([this] { return QFile::exists(path) && !rows().empty(); });
+        return waitUntil([this] { return QFile::exists(path) && !rows().empty(); }, patience);
     }
 
     QTemporaryDir folder;
@@ -72,7 +74,7 @@ TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
     ASSERT_EQ(first.waitForEnd(), -1);
     const size_t before = rows().size();
     const Program third(program, {}, environment());
-    EXPECT_TRUE(waitUntil([&] { return rows().size() > before; }));
+    EXPECT_TRUE(waitUntil([&] { return rows().size() > before; }, patience));
 }
 
 TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {

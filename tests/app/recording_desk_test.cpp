@@ -18,6 +18,8 @@ namespace {
 
 using test::waitUntil;
 
+constexpr int patience = 20000; // milliseconds, for a program that starts on a busy machine
+
 class RecordingTest : public testing::Test {
 protected:
     [[nodiscard]] StoreLocation location() const { return {.explicitPath = path, .dataHome = {}}; }
@@ -40,7 +42,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
     test::Program kestu(
         QStringLiteral(KESTU_PROGRAM), {},
         {{QStringLiteral("KESTU_DB_PATH"), path}, {QStringLiteral("LANGUAGE"), QStringLiteral("ja")}});
-    ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }));
+    ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }, patience));
     const Instant began = rows().front().start;
 
     waitUntil([] { return false; }, 3000);
@@ -114,7 +116,7 @@ TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
     for (const int milliseconds : {300, 2700, 5100}) {
         test::Program kestu(QStringLiteral(KESTU_PROGRAM), {}, {{QStringLiteral("KESTU_DB_PATH"), path}});
         const size_t before = QFile::exists(path) ? rows().size() : 0;
-        ASSERT_TRUE(waitUntil([&] { return QFile::exists(path) && rows().size() > before; }));
+        ASSERT_TRUE(waitUntil([&] { return QFile::exists(path) && rows().size() > before; }, patience));
         waitUntil([] { return false; }, milliseconds);
         kestu.send(SIGKILL);
         const Instant killed = systemNow();
