@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/MockObject.h"
 
+#include "support/PrivateBus.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
@@ -39,6 +41,10 @@ void MockObject::sendSignal(int signal) const {
     const uint process = m_bus.interface()->servicePid(m_service);
     ASSERT_GT(process, 1U) << m_service.toStdString() << " is not there";
     ASSERT_EQ(::kill(static_cast<pid_t>(process), signal), 0);
+    if (signal == SIGKILL) {
+        const auto isGone = [this] { return !m_bus.interface()->isServiceRegistered(m_service).value(); };
+        ASSERT_TRUE(waitUntil(isGone)) << "the bus still knows it";
+    }
 }
 
 } // namespace kestu::test

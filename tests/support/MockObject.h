@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVariantList>
 
+#include <utility>
+
 namespace kestu::test {
 
 class MockObject final {
@@ -26,7 +28,8 @@ public:
 
     void announce(const QString& interface, const QString& signal, bool value) const;
 
-    /// To the whole process: SIGSTOP leaves a service that has its name and never answers.
+    /// To the whole process: SIGSTOP leaves a service that has its name and never answers. After SIGKILL the
+    /// name is free again.
     void sendSignal(int signal) const;
 
 private:
