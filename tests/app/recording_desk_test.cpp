@@ -2,9 +2,11 @@
 //
 // The main job on a real desktop: what is in front is what is written.
 #include "capture/Tracker.h"
+#include "platform/Workspace.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "storage/RepositoryOpener.h"
 #include "support/Desk.h"
+#include "support/MockObject.h"
 #include "support/PrivateBus.h"
 
 #include <QTemporaryDir>
@@ -20,14 +22,26 @@ using test::waitUntil;
 
 constexpr int patience = 20000; // milliseconds, for a program that starts on a busy machine
 
+const QString login = QStringLiteral("org.freedesktop.login1");
+const QString loginPath = QStringLiteral("/org/freedesktop/login1");
+const QString loginManager = QStringLiteral("org.freedesktop.login1.Manager");
+
 class RecordingTest : public testing::Test {
 protected:
+    static void SetUpTestSuite() {
+        // Before the system bus is first used: a process asks for its address only once.
+        systemBus = std::make_unique<test::PrivateBus>();
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", systemBus->address().toUtf8());
+    }
+    static void TearDownTestSuite() { systemBus.reset(); }
+
     [[nodiscard]] StoreLocation location() const { return {.explicitPath = path, .dataHome = {}}; }
 
     [[nodiscard]] std::vector<Activity> rows() const {
         return openRepository(location(), systemNow)->activitiesOverlapping(instantAt(0), instantAt(1e11));
     }
 
+    static inline std::unique_ptr<test::PrivateBus> systemBus;
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("kestu.sqlite"));
 };
@@ -108,6 +122,47 @@ TEST_F(RecordingTest, EndsTheRowAtTheLastInput) {
     test::moveMouse(300, 300);
     EXPECT_TRUE(waitUntil([&] { return tracker.current().has_value(); }, 3000)) << "the user is back";
     tracker.stop();
+}
+
+TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAwake) {
+    systemBus->startMock({QStringLiteral("--template"), QStringLiteral("logind")}, login);
+    const test::MockObject manager(systemBus->connect(), login, loginPath);
+    manager.call(QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("AddSession"),
+                 {QStringLiteral("auto"), QStringLiteral("seat0"), 1000U, QStringLiteral("someone"), true});
+    const test::MockObject session(systemBus->connect(), login, loginPath + QStringLiteral("/session/auto"));
+    const auto setLocked = [&](bool locked) {
+        session.call(login + QStringLiteral(".Session"), QStringLiteral("SetLockedHint"), {locked});
+    };
+    const auto announceSleep = [&](bool begins) {
+        manager.announce(loginManager, QStringLiteral("PrepareForSleep"), begins);
+    };
+    const test::Terminal window(QStringLiteral("Player"), QStringLiteral("player"));
+    window.activate();
+    const LinuxPlatformStart started = startLinuxPlatform();
+    const auto repository = openRepository(location(), systemNow);
+    Tracker tracker(*repository, *started.platform, systemNow);
+    const auto records = [&] { return tracker.current().has_value(); };
+    const auto recordsNot = [&] { return !tracker.current(); };
+    tracker.start();
+    ASSERT_TRUE(records());
+
+    announceSleep(true);
+    ASSERT_TRUE(waitUntil(recordsNot));
+    EXPECT_NEAR((rows().back().end - systemNow()).count(), 0, 0.3);
+    setLocked(true);
+    announceSleep(false);
+    EXPECT_FALSE(waitUntil(records, 2500)) << "awake, but behind the locker";
+    setLocked(false);
+    EXPECT_TRUE(waitUntil(records));
+
+    const auto front = started.platform->workspace().frontmostApplication();
+    const QString holder = QStringLiteral("ret = [('idle', 'x', 'y', 'block', 0, %1)]").arg(front->processId);
+    manager.answer(loginManager, QStringLiteral("ListInhibitors"), {}, QStringLiteral("a(ssssuu)"), holder);
+    tracker.idleThreshold = Seconds{1};
+    EXPECT_FALSE(waitUntil(recordsNot, 5000)) << "away, but the player keeps the display awake";
+    manager.answer(loginManager, QStringLiteral("ListInhibitors"), {}, QStringLiteral("a(ssssuu)"),
+                   QStringLiteral("ret = []"));
+    EXPECT_TRUE(waitUntil(recordsNot));
 }
 
 TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
