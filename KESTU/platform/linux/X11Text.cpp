@@ -25,7 +25,7 @@ std::optional<QString> fromEucJp(const QByteArray& bytes) {
     return QString::fromUtf8(utf8.get(), static_cast<qsizetype>(written));
 }
 
-std::optional<QString> decoded(CharacterSet set, QByteArray run) {
+std::optional<QString> decoded(CharacterSet set, const QByteArray& run) {
     if (set == CharacterSet::ascii || set == CharacterSet::jisRoman || set == CharacterSet::latin1) {
         return QString::fromLatin1(run);
     }
