@@ -15,9 +15,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <memory>
+#include <list>
 #include <sched.h>
-#include <vector>
 
 namespace kestu {
 namespace {
@@ -80,11 +79,22 @@ protected:
         EXPECT_EQ(m_bus.isEnabled(), isOn);
     }
 
+    /// By the browser's own way out: else its helpers go on writing into the folder.
+    ~RealBrowserTest() override {
+        for (Program& browser : m_programs) {
+            if (browser.isRunning()) {
+                browser.send(SIGCONT);
+                browser.send(SIGTERM);
+                browser.waitForEnd(5000);
+            }
+        }
+    }
+
     /// Only the first one of a test stays; later ones pass their page on to it.
     Program& open(const QStringList& arguments) {
         QStringList command = GetParam().command.arg(m_folder.filePath(u"profile"_s)).split(u' ');
         const QString program = command.takeFirst();
-        return *m_programs.emplace_back(std::make_unique<Program>(program, command + arguments));
+        return m_programs.emplace_back(program, command + arguments);
     }
 
     static void waitForTitle(const QString& title) {
@@ -104,27 +114,27 @@ protected:
 
     /// Whether the bus itself would tell it of the browser's first window, private or not.
     bool isOnTheBus(const QString& address, const Program& browser) {
+        using namespace accessible;
         const QDeadlineTimer deadline(1000);
         const auto firstOf = [&](const QDBusMessage& question) {
-            return accessible::readAccessibles(m_bus.ask(question, deadline)).value(0);
+            const QList<Accessible> objects = readAccessibles(m_bus.ask(question, deadline));
+            return objects.isEmpty() ? throw NoAnswer() : objects.first();
         };
         try {
-            const auto program = m_bus.program(browser.pid(), deadline).value_or(Accessible());
-            const Accessible window = firstOf(accessible::childrenQuestion(program));
-            const Accessible page = firstOf(accessible::shownPageQuestion(window));
-            return accessible::readAttributes(
-                       m_bus.ask(accessible::documentAttributesQuestion(page), deadline))
-                .values()
-                .contains(address);
-        } catch (const NoAnswer&) {
-            return false;
+            const auto program = m_bus.program(browser.pid(), deadline);
+            const Accessible window = firstOf(childrenQuestion(program.value()));
+            const Accessible page = firstOf(shownPageQuestion(window));
+            const auto attributes = readAttributes(m_bus.ask(documentAttributesQuestion(page), deadline));
+            return attributes.values().contains(address);
+        } catch (const std::exception&) {
+            return false; // not yet
         }
     }
 
     QTemporaryDir m_folder;
     const QString m_first = u"file://"_s + m_folder.filePath(u"first.html"_s);
     const QString m_second = u"file://"_s + m_folder.filePath(u"second.html"_s);
-    std::vector<std::unique_ptr<Program>> m_programs;
+    std::list<Program> m_programs;
     AccessibilityBus m_bus{QDBusConnection::sessionBus()};
     BrowserAddress m_browserAddress{m_bus};
     qint64 m_milliseconds = 0;

@@ -6,6 +6,7 @@
 #include "support/Files.h"
 #include "support/MockObject.h"
 #include "support/PrivateBus.h"
+#include "support/Program.h"
 
 #include <QCoreApplication>
 #include <QDBusObjectPath>
@@ -15,40 +16,29 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <memory>
+#include <list>
 #include <optional>
-#include <vector>
 
 namespace kestu {
 namespace {
 
 using namespace Qt::StringLiterals;
 using test::MockObject;
+using test::Program;
+using test::waitUntil;
 
 class BrowserAddressTest : public testing::Test {
 protected:
-    ~BrowserAddressTest() override { endPrograms(); }
-
-    void endPrograms() {
-        for (const auto& program : m_programs) {
-            program->kill(); // also ends a stopped one
-            program->waitForFinished();
-        }
-        m_programs.clear();
-    }
-
     /// A program of accessible_desk.py; its process id.
     std::int64_t start(const QStringList& arguments) {
-        QProcess& program = *m_programs.emplace_back(std::make_unique<QProcess>());
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"SESSION"_s, m_session.address());
-        environment.insert(u"ACCESSIBILITY"_s, m_accessibility->address());
-        program.setProcessEnvironment(environment);
-        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        program.start(u"/usr/bin/python3"_s,
-                      QStringList{QStringLiteral(KESTU_TEST_SUPPORT "/accessible_desk.py")} + arguments);
-        EXPECT_TRUE(program.waitForReadyRead(20000)) << "the made-up program did not start";
-        return program.processId();
+        Program& program = m_programs.emplace_back(
+            u"/usr/bin/python3"_s,
+            QStringList{QStringLiteral(KESTU_TEST_SUPPORT "/accessible_desk.py")} + arguments,
+            Program::Environment{{u"SESSION"_s, m_session.address()},
+                                 {u"ACCESSIBILITY"_s, m_accessibility->address()}});
+        EXPECT_TRUE(waitUntil([&] { return program.errorOutput().contains(u"ready"); }))
+            << program.errorOutput().toStdString();
+        return program.pid();
     }
 
     std::int64_t startDesk() { return start({u"desk"_s}); }
@@ -77,7 +67,7 @@ protected:
     QTemporaryDir m_folder;
     test::PrivateBus m_session;
     std::optional<test::PrivateBus> m_accessibility{std::in_place};
-    std::vector<std::unique_ptr<QProcess>> m_programs;
+    std::list<Program> m_programs;
     AccessibilityBus m_bus{m_session.connect()};
     BrowserAddress m_browserAddress{m_bus};
     qint64 m_milliseconds = 0;
@@ -90,36 +80,22 @@ TEST_F(BrowserAddressTest, IsThatOfThePageInTheWindowInFront) {
         QString title;
         QString address;
     } rows[] = {
-        {"the active window among several",
-         R"([{"name": "A", "page": {"DocURL": "http://a/"}},
-             {"name": "B", "active": true, "page": {"DocURL": "http://b/", "URI": ""}},
-             {"name": "C", "page": {"DocURL": "http://c/"}}])",
+        {"the active window among several", "A|DocURL|http://a/\n*B|DocURL|http://b/\nC|DocURL|http://c/",
          u"changed"_s, u"http://b/"_s},
-        {"the only window, though nothing marks it; the other spelling",
-         R"([{"name": "A", "page": {"URI": "http://a/"}}])", u"changed"_s, u"http://a/"_s},
-        {"no mark: the title decides",
-         R"([{"name": "A - Chromium", "page": {"URI": "http://a/"}},
-             {"name": "B - Audio - Chromium", "page": {"URI": "http://b/"}}])",
+        {"the only window, though nothing marks it; the other spelling", "A|URI|http://a/", u"changed"_s,
+         u"http://a/"_s},
+        {"no mark: the title decides", "A - Chromium|URI|http://a/\nB - Audio - Chromium|URI|http://b/",
          u"B - Audio"_s, u"http://b/"_s},
-        {"the mark is still at the window left behind",
-         R"([{"name": "A", "active": true, "page": {"URI": "http://a/"}},
-             {"name": "B", "page": {"URI": "http://b/"}}])",
-         u"B"_s, u"http://b/"_s},
-        {"two of one title: the mark decides",
-         R"([{"name": "A", "page": {"URI": "http://a/1"}},
-             {"name": "A", "active": true, "page": {"URI": "http://a/2"}}])",
-         u"A"_s, u"http://a/2"_s},
-        {"an unnamed window has no title to go by",
-         R"([{"name": "", "page": {"URI": "http://a/"}},
-             {"name": "", "active": true, "page": {"URI": "http://b/"}}])",
-         u""_s, u"http://b/"_s},
-        {"the browser's own page is an address too", R"([{"name": "A", "page": {"DocURL": "about:newtab"}}])",
-         u"A"_s, u"about:newtab"_s},
+        {"the mark is still at the window left behind", "*A|URI|http://a/\nB|URI|http://b/", u"B"_s,
+         u"http://b/"_s},
+        {"two of one title: the mark decides", "A|URI|http://a/1\n*A|URI|http://a/2", u"A"_s,
+         u"http://a/2"_s},
+        {"an unnamed window has no title to go by", "|URI|http://a/\n*|URI|http://b/", u""_s, u"http://b/"_s},
+        {"the browser's own page is an address too", "A|DocURL|about:newtab", u"A"_s, u"about:newtab"_s},
         {"private by the name of the window, which the title does not show",
-         R"([{"name": "A - Chromium（シークレット モード）", "active": true, "page": {"URI": "http://a/"}}])",
-         u"A - Chromium"_s, u""_s},
-        {"private by the title alone", R"([{"name": "A", "active": true, "page": {"URI": "http://a/"}}])",
-         u"A — Mozilla Firefox プライベートブラウジング"_s, u""_s},
+         "*A - Chromium（シークレット モード）|URI|http://a/", u"A - Chromium"_s, u""_s},
+        {"private by the title alone", "*A|URI|http://a/", u"A — Mozilla Firefox プライベートブラウジング"_s,
+         u""_s},
     };
     startDesk();
     for (const auto& row : rows) {
@@ -130,25 +106,24 @@ TEST_F(BrowserAddressTest, IsThatOfThePageInTheWindowInFront) {
 
 TEST_F(BrowserAddressTest, IsWaitedForWithinOneSecondAndNotAgainUntilTheBrowserHasGivenOne) {
     startDesk();
-    const std::int64_t browser =
-        startBrowser(u"page"_s, R"([{"name": "A", "page": {"DocURL": "about:blank"}}])");
+    const std::int64_t browser = startBrowser(u"page"_s, "A|DocURL|about:blank");
     EXPECT_EQ(ask(browser, u"A"_s), QString());
     EXPECT_GE(m_milliseconds, 950);
     EXPECT_LT(m_milliseconds, 1250);
     EXPECT_EQ(ask(browser, u"B"_s), QString());
     EXPECT_LT(m_milliseconds, 300) << "one wait in vain is enough";
 
-    describe(u"page"_s, R"([{"name": "C", "page": {"DocURL": "http://c/"}}])");
+    describe(u"page"_s, "C|DocURL|http://c/");
     EXPECT_EQ(ask(browser, u"C"_s), u"http://c/"_s);
     // Looks are 50 ms apart.
-    describe(u"page"_s, R"([{"name": "D", "looks": 6, "page": {"DocURL": "http://d/"}}])");
+    describe(u"page"_s, "D|DocURL|http://d/|6");
     EXPECT_EQ(ask(browser, u"D"_s), u"http://d/"_s) << "this browser is worth a wait";
     EXPECT_GE(m_milliseconds, 300);
 }
 
 TEST_F(BrowserAddressTest, OfAHungBrowserCostsOneShortWaitHoweverOftenItsTitleChanges) {
     startDesk();
-    const auto page = R"([{"name": "A", "page": {"DocURL": "http://a/"}}])";
+    const auto page = "A|DocURL|http://a/";
     const auto hung = static_cast<pid_t>(startBrowser(u"hung"_s, page));
     const std::int64_t well = startBrowser(u"well"_s, page);
     ASSERT_EQ(ask(hung, u"A"_s), u"http://a/"_s);
@@ -165,13 +140,12 @@ TEST_F(BrowserAddressTest, OfAHungBrowserCostsOneShortWaitHoweverOftenItsTitleCh
     EXPECT_LT(m_milliseconds, 250) << "a hung neighbour is nothing to the others";
 
     ASSERT_EQ(kill(hung, SIGCONT), 0);
-    EXPECT_TRUE(test::waitUntil([&] { return ask(hung, u"B"_s) == u"http://a/"; }));
+    EXPECT_TRUE(waitUntil([&] { return ask(hung, u"B"_s) == u"http://a/"; }));
 }
 
 TEST_F(BrowserAddressTest, IsAskedOfNoOtherProgramThanTheOneInFront) {
     const std::int64_t desk = startDesk();
-    const std::int64_t other =
-        startBrowser(u"windows"_s, R"([{"name": "A", "active": true, "page": {"DocURL": "http://a/"}}])");
+    const std::int64_t other = startBrowser(u"windows"_s, "*A|DocURL|http://a/");
     EXPECT_EQ(ask(desk, u"A"_s), QString()) << "none of the programs on its bus";
 
     // Ourselves: on the bus as well, and not able to answer while we ask.
@@ -207,12 +181,10 @@ TEST_F(BrowserAddressTest, IsAbsentWithoutABusAndComesBackWithOne) {
     for (int round = 0; round < 2; ++round) {
         startDesk();
         // Only the mark tells these two apart, and the new registry has to be told again that we listen.
-        const std::int64_t browser = startBrowser(u"windows"_s,
-                                                  R"([{"name": "A", "page": {"URI": "http://other/"}},
-                                            {"name": "A", "active": true, "page": {"URI": "http://a/"}}])");
+        const std::int64_t browser = startBrowser(u"windows"_s, "A|URI|http://other/\n*A|URI|http://a/");
         EXPECT_EQ(ask(browser, u"A"_s), u"http://a/"_s) << round;
         // The whole bus ends, with everything on it.
-        endPrograms();
+        m_programs.clear();
         m_accessibility.emplace();
     }
 }

@@ -55,19 +55,10 @@ TEST_F(JsonSettingsTest, ReadAValueOfAnotherTypeAsAbsent) {
         std::optional<bool> boolean = {};
         std::optional<Strings> dictionary = {};
     } rows[] = {
-        {"3", 3},
-        {"3.0", 3},
-        {"3.5"},
-        {"2147483647", 2147483647},
-        {"2147483648"},
-        {"-2147483649"},
-        {"1e300"},
-        {"\"3\""},
-        {"true", {}, true},
-        {"\"true\""},
-        {"null"},
-        {"[\"a\"]"},
-        {R"({"a": "b", "c": 1, "d": null})", {}, {}, Strings{{u"a"_s, u"b"_s}}},
+        {"3", 3},       {"3.5"},
+        {"2147483648"}, {"-2147483649"},
+        {"\"3\""},      {"true", {}, true},
+        {"[\"a\"]"},    {R"({"a": "b", "c": 1, "d": null})", {}, {}, Strings{{u"a"_s, u"b"_s}}},
     };
     for (const auto& row : rows) {
         putFile(m_file, QByteArray(R"({"key": )") + row.value + '}');

@@ -25,9 +25,8 @@ public:
         , m_id(xcb_generate_id(xcb.connection())) {
         xcb_create_window(xcb.connection(), XCB_COPY_FROM_PARENT, m_id, xcb.root(), 0, 0, 200, 100, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-        const std::uint32_t claimed = 1; // its own word for its process, as inside a container
-        xcb_change_property(xcb.connection(), XCB_PROP_MODE_REPLACE, m_id, xcb.atom("_NET_WM_PID"),
-                            XCB_ATOM_CARDINAL, 32, 1, &claimed);
+        // Its own word for its process, as inside a container.
+        set("_NET_WM_PID", "CARDINAL", QByteArray("\1\0\0\0", 4), 32);
         set("WM_CLASS", "STRING", wmClass);
         set("WM_NAME", "STRING", title);
         xcb_map_window(xcb.connection(), m_id);
@@ -40,9 +39,10 @@ public:
     TestWindow(const TestWindow&) = delete;
     TestWindow& operator=(const TestWindow&) = delete;
 
-    void set(const char* property, const char* type, const QByteArray& bytes) const {
+    void set(const char* property, const char* type, const QByteArray& bytes, std::uint8_t bits = 8) const {
         xcb_change_property(m_xcb.connection(), XCB_PROP_MODE_REPLACE, m_id, m_xcb.atom(property),
-                            m_xcb.atom(type), 8, static_cast<std::uint32_t>(bytes.size()), bytes.constData());
+                            m_xcb.atom(type), bits, static_cast<std::uint32_t>(8 * bytes.size() / bits),
+                            bytes.constData());
         xcb_flush(m_xcb.connection());
     }
 
@@ -78,7 +78,9 @@ protected:
 TEST_F(X11DesktopTest, TellsTheWindowInFrontItsClassAndTheProcessThatTheServerKnows) {
     EXPECT_FALSE(frontTitle());
     const TestWindow window(*m_programs, QByteArray("own\0OwnClass\0", 13), "own");
-    ASSERT_TRUE(titleBecomes(u"own"_s));
+    ASSERT_TRUE(titleBecomes(u"own"_s))
+        << test::outputOf(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).toStdString()
+        << test::outputOf(u"xprop"_s, {u"-root"_s}).toStdString();
     const auto front = m_desktop.frontmostApplication();
     EXPECT_EQ(front->processId, ::getpid());
     EXPECT_EQ(front->bundleId, u"OwnClass"_s);
