@@ -29,8 +29,6 @@ public:
         set("_NET_WM_PID", "CARDINAL", QByteArray("\1\0\0\0", 4), 32);
         set("WM_CLASS", "STRING", wmClass);
         set("WM_NAME", "STRING", title);
-        xcb_map_window(xcb.connection(), m_id);
-        xcb_flush(xcb.connection());
     }
     ~TestWindow() {
         xcb_destroy_window(m_xcb.connection(), m_id);
@@ -43,6 +41,11 @@ public:
         xcb_change_property(m_xcb.connection(), XCB_PROP_MODE_REPLACE, m_id, m_xcb.atom(property),
                             m_xcb.atom(type), bits, static_cast<std::uint32_t>(8 * bytes.size() / bits),
                             bytes.constData());
+        xcb_flush(m_xcb.connection());
+    }
+
+    void show() const {
+        xcb_map_window(m_xcb.connection(), m_id);
         xcb_flush(m_xcb.connection());
     }
 
@@ -68,6 +71,14 @@ protected:
         return waitUntil([&] { return frontTitle() == title; });
     }
 
+    /// Shown again and again: a window manager that has just started misses some.
+    bool comesToFront(const TestWindow& window, const QString& title) {
+        return waitUntil([&] {
+            window.show();
+            return frontTitle() == title;
+        });
+    }
+
     QString m_why;
     std::unique_ptr<Xcb> m_programs = Xcb::connect(m_why);
     std::unique_ptr<Xcb> m_ours = Xcb::connect(m_why);
@@ -78,9 +89,7 @@ protected:
 TEST_F(X11DesktopTest, TellsTheWindowInFrontItsClassAndTheProcessThatTheServerKnows) {
     EXPECT_FALSE(frontTitle());
     const TestWindow window(*m_programs, QByteArray("own\0OwnClass\0", 13), "own");
-    ASSERT_TRUE(titleBecomes(u"own"_s))
-        << test::outputOf(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).toStdString()
-        << test::outputOf(u"xprop"_s, {u"-root"_s}).toStdString();
+    ASSERT_TRUE(comesToFront(window, u"own"_s));
     const auto front = m_desktop.frontmostApplication();
     EXPECT_EQ(front->processId, ::getpid());
     EXPECT_EQ(front->bundleId, u"OwnClass"_s);
@@ -92,7 +101,7 @@ TEST_F(X11DesktopTest, TellsTheWindowInFrontItsClassAndTheProcessThatTheServerKn
 
 TEST_F(X11DesktopTest, ReadsEveryKindOfTitle) {
     const TestWindow window(*m_programs, QByteArray("own\0Own\0", 8), "caf\xe9");
-    ASSERT_TRUE(titleBecomes(u"café"_s));
+    ASSERT_TRUE(comesToFront(window, u"café"_s));
     const struct {
         const char* property;
         const char* type;
@@ -118,10 +127,10 @@ TEST_F(X11DesktopTest, SaysAtOnceAndOnceThatAnotherWindowCameToTheFront) {
     int changes = 0;
     QObject::connect(&m_desktop, &X11Desktop::activeWindowChanged, [&] { ++changes; });
     const TestWindow first(*m_programs, QByteArray("a\0A\0", 4), "first");
-    ASSERT_TRUE(titleBecomes(u"first"_s));
+    ASSERT_TRUE(comesToFront(first, u"first"_s));
     {
         const TestWindow second(*m_programs, QByteArray("b\0B\0", 4), "second");
-        ASSERT_TRUE(titleBecomes(u"second"_s));
+        ASSERT_TRUE(comesToFront(second, u"second"_s));
         waitUntil([] { return false; }, 200);
         changes = 0;
         first.activate();
