@@ -14,6 +14,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 constexpr int activitiesADay = 1500;
 constexpr double secondsADay = 86400;
 constexpr double firstDay = 1456758000; // midnight in Tokyo
@@ -41,7 +43,7 @@ public:
 
 private:
     void record(Database& database) const {
-        database.executeScript(QStringLiteral("INSERT INTO tag (name, color) VALUES ('会議', '#4F7CF7')"));
+        database.executeScript(u"INSERT INTO tag (name, color) VALUES ('会議', '#4F7CF7')"_s);
         database.run(
             QStringLiteral(
                 R"(WITH RECURSIVE counted(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM counted WHERE n + 1 < ?1)
@@ -54,8 +56,7 @@ SELECT ?2 + n / ?3 * 86400 + 25200 + n % ?3 * 38.4, ?2 + n / ?3 * 86400 + 25200 
     CASE n % 3 WHEN 0 THEN 'notes.example.co.jp' END
 FROM counted)"),
             {std::int64_t{m_days} * activitiesADay, firstDay, std::int64_t{activitiesADay}});
-        database.executeScript(
-            QStringLiteral("INSERT INTO activity_tag SELECT id, 1 FROM activity WHERE id % 50 = 0"));
+        database.executeScript(u"INSERT INTO activity_tag SELECT id, 1 FROM activity WHERE id % 50 = 0"_s);
         for (int day = 0; day < m_days; day += 365) {
             insertEntry(database, day, 3);
         }
@@ -64,14 +65,13 @@ FROM counted)"),
 
     static void insertEntry(Database& database, int day, int days) {
         const double start = firstDay + day * secondsADay;
-        database.run(
-            QStringLiteral("INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
-                           "VALUES (?, ?, 'kestu.manual', '手動', '出張', 1)"),
-            {start, start + days * secondsADay});
+        database.run(u"INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
+                     "VALUES (?, ?, 'kestu.manual', '手動', '出張', 1)"_s,
+                     {start, start + days * secondsADay});
     }
 
     QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("kestu.sqlite"));
+    QString m_path = m_folder.filePath(u"kestu.sqlite"_s);
     int m_days;
 };
 
@@ -120,7 +120,7 @@ void openFile(benchmark::State& state, RecordedFiles& files, int years) {
 
 void openWithoutLengthIndex(benchmark::State& state, RecordedFiles& files, int years) {
     const RecordedYears& file = fileOf(files, years);
-    file.open()->database().executeScript(QStringLiteral("DROP INDEX activity_length"));
+    file.open()->database().executeScript(u"DROP INDEX activity_length"_s);
     for ([[maybe_unused]] auto iteration : state) {
         benchmark::DoNotOptimize(file.open());
     }

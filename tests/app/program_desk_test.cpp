@@ -16,6 +16,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::Program;
 using test::waitUntil;
 
@@ -24,7 +26,7 @@ constexpr int patience = 20000; // milliseconds, for a program that starts on a 
 class ProgramTest : public testing::Test {
 protected:
     [[nodiscard]] Program::Environment environment(Program::Environment more = {}) const {
-        more.emplace(QStringLiteral("KESTU_DB_PATH"), path);
+        more.emplace(u"KESTU_DB_PATH"_s, path);
         return more;
     }
 
@@ -38,14 +40,14 @@ protected:
     }
 
     QTemporaryDir folder;
-    QString path = folder.filePath(QStringLiteral("kestu.sqlite"));
+    QString path = folder.filePath(u"kestu.sqlite"_s);
     const QString program = QStringLiteral(KESTU_PROGRAM);
-    const test::Terminal window{QStringLiteral("Front"), QStringLiteral("front")};
+    const test::Terminal window{u"Front"_s, u"front"_s};
 };
 
 TEST_F(ProgramTest, EndsTheOpenRowOnEverySignalToEnd) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        path = folder.filePath(QStringLiteral("signal%1.sqlite").arg(signal));
+        path = folder.filePath(u"signal%1.sqlite"_s.arg(signal));
         Program kestu(program, {}, environment());
         ASSERT_TRUE(records());
         waitUntil([] { return false; }, 500);
@@ -59,15 +61,14 @@ TEST_F(ProgramTest, EndsTheOpenRowOnEverySignalToEnd) {
 TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
     Program first(program, {}, environment());
     ASSERT_TRUE(records());
-    const QString link = folder.filePath(QStringLiteral("link"));
+    const QString link = folder.filePath(u"link"_s);
     ASSERT_TRUE(QFile::link(folder.path(), link));
-    Program second(program, {}, {{QStringLiteral("KESTU_DB_PATH"), link + QStringLiteral("/kestu.sqlite")}});
+    Program second(program, {}, {{u"KESTU_DB_PATH"_s, link + u"/kestu.sqlite"_s}});
     EXPECT_EQ(second.waitForEnd(), 0);
-    EXPECT_EQ(second.errorOutput(), QStringLiteral("KESTU はすでに起動しています。前面に表示します。\n"));
+    EXPECT_EQ(second.errorOutput(), u"KESTU はすでに起動しています。前面に表示します。\n"_s);
     EXPECT_TRUE(first.isRunning());
 
-    Program elsewhere(program, {},
-                      {{QStringLiteral("KESTU_DB_PATH"), folder.filePath(QStringLiteral("b.sqlite"))}});
+    Program elsewhere(program, {}, {{u"KESTU_DB_PATH"_s, folder.filePath(u"b.sqlite"_s)}});
     EXPECT_EQ(elsewhere.waitForEnd(1500), -2) << "another file is another recorder's";
 
     first.send(SIGKILL);
@@ -79,7 +80,7 @@ TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
 
 TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
     const QByteArray text = "これはデータベースではありません。\n" + QByteArray(4096, 'x');
-    QFile file(folder.filePath(QStringLiteral("text")));
+    QFile file(folder.filePath(u"text"_s));
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
     file.write(text);
     file.close();
@@ -89,45 +90,39 @@ TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
     } rowsOfTest[] = {
         {file.fileName(), "file is not a database — PRAGMA journal_mode = WAL"},
         {folder.path(), "open failed: unable to open database file"},
-        {folder.filePath(QStringLiteral("missing/kestu.sqlite")),
-         "open failed: unable to open database file"},
+        {folder.filePath(u"missing/kestu.sqlite"_s), "open failed: unable to open database file"},
     };
     for (const auto& row : rowsOfTest) {
         // Without a display there is no dialog that waits for somebody.
-        Program kestu(program, {},
-                      {{QStringLiteral("KESTU_DB_PATH"), row.path}, {QStringLiteral("DISPLAY"), {}}});
+        Program kestu(program, {}, {{u"KESTU_DB_PATH"_s, row.path}, {u"DISPLAY"_s, {}}});
         EXPECT_EQ(kestu.waitForEnd(), 1);
-        EXPECT_EQ(kestu.errorOutput(), QStringLiteral("記録用のデータベースを開けませんでした：%1\n")
-                                           .arg(QString::fromUtf8(row.reason)));
+        EXPECT_EQ(kestu.errorOutput(),
+                  u"記録用のデータベースを開けませんでした：%1\n"_s.arg(QString::fromUtf8(row.reason)));
     }
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), text);
-    EXPECT_FALSE(QDir(folder.filePath(QStringLiteral("missing"))).exists());
+    EXPECT_FALSE(QDir(folder.filePath(u"missing"_s)).exists());
 
-    Program kestu(program, {}, {{QStringLiteral("KESTU_DB_PATH"), file.fileName()}});
+    Program kestu(program, {}, {{u"KESTU_DB_PATH"_s, file.fileName()}});
     EXPECT_TRUE(waitUntil([] {
-        return !test::outputOf(QStringLiteral("xdotool"),
-                               {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                QStringLiteral("--name"), QStringLiteral("^KESTU$")})
+        return !test::outputOf(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^KESTU$"_s})
                     .isEmpty();
     })) << "where there is a display a dialog says it";
-    test::outputOf(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("Return")});
+    test::outputOf(u"xdotool"_s, {u"key"_s, u"Return"_s});
     EXPECT_EQ(kestu.waitForEnd(), 1);
 }
 
 TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
-    Program wayland(program, {},
-                    environment({{QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("wayland")}}));
+    Program wayland(program, {}, environment({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}));
     waitUntil([] { return false; }, 3000);
-    EXPECT_EQ(wayland.errorOutput().count(QStringLiteral("Wayland")), 1);
+    EXPECT_EQ(wayland.errorOutput().count(u"Wayland"_s), 1);
     wayland.send(SIGTERM);
     EXPECT_EQ(wayland.waitForEnd(), 0);
     EXPECT_TRUE(rows().empty());
 
-    Program nowhere(program, {}, environment({{QStringLiteral("DISPLAY"), QString()}}));
+    Program nowhere(program, {}, environment({{u"DISPLAY"_s, QString()}}));
     EXPECT_EQ(nowhere.waitForEnd(), 1);
-    EXPECT_TRUE(nowhere.errorOutput().contains(QStringLiteral("画面がないため")))
-        << nowhere.errorOutput().toStdString();
+    EXPECT_TRUE(nowhere.errorOutput().contains(u"画面がないため"_s)) << nowhere.errorOutput().toStdString();
 }
 
 } // namespace

@@ -18,6 +18,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::waitUntil;
 
 constexpr int patience = 20000; // milliseconds, for a program that starts on a busy machine
@@ -39,19 +41,17 @@ protected:
 
     static inline std::unique_ptr<test::PrivateBus> systemBus;
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("kestu.sqlite"));
+    const QString path = folder.filePath(u"kestu.sqlite"_s);
 };
 
 TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
-    test::installDesktopEntry(
-        QStringLiteral("jp.example.Editor"),
-        QStringLiteral("Name=Editor\nName[ja]=編集\nExec=xterm\nStartupWMClass=editor-window\n"));
-    const test::Terminal editor(QStringLiteral("editor-window"), QStringLiteral("メモ <b>.txt"));
-    const test::Terminal other(QStringLiteral("OtherTool"), QStringLiteral("other"));
+    test::installDesktopEntry(u"jp.example.Editor"_s,
+                              u"Name=Editor\nName[ja]=編集\nExec=xterm\nStartupWMClass=editor-window\n"_s);
+    const test::Terminal editor(u"editor-window"_s, u"メモ <b>.txt"_s);
+    const test::Terminal other(u"OtherTool"_s, u"other"_s);
     editor.activate();
-    test::Program kestu(
-        QStringLiteral(KESTU_PROGRAM), {},
-        {{QStringLiteral("KESTU_DB_PATH"), path}, {QStringLiteral("LANGUAGE"), QStringLiteral("ja")}});
+    test::Program kestu(QStringLiteral(KESTU_PROGRAM), {},
+                        {{u"KESTU_DB_PATH"_s, path}, {u"LANGUAGE"_s, u"ja"_s}});
     ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }, patience));
     const Instant began = rows().front().start;
 
@@ -64,7 +64,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
         switches.push_back(systemNow());
         waitUntil([] { return false; }, 3000);
     }
-    front->setTitle(QStringLiteral("新しい題"));
+    front->setTitle(u"新しい題"_s);
     waitUntil([] { return false; }, 2500); // a title is seen at the next tick
     kestu.send(SIGTERM);
     const Instant ended = systemNow();
@@ -85,12 +85,11 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
         const bool isEditor = i % 2 == 0 && i + 1 < written.size();
         const bool isRetitled = i + 1 == written.size();
         if (!isRetitled) {
-            EXPECT_EQ(row.bundleId,
-                      isEditor ? QStringLiteral("jp.example.Editor") : QStringLiteral("OtherTool"));
-            EXPECT_EQ(row.appName, isEditor ? QStringLiteral("編集") : QStringLiteral("OtherTool"));
-            EXPECT_EQ(row.title, isEditor ? QStringLiteral("メモ <b>.txt") : QStringLiteral("other"));
+            EXPECT_EQ(row.bundleId, isEditor ? u"jp.example.Editor"_s : u"OtherTool"_s);
+            EXPECT_EQ(row.appName, isEditor ? u"編集"_s : u"OtherTool"_s);
+            EXPECT_EQ(row.title, isEditor ? u"メモ <b>.txt"_s : u"other"_s);
         } else {
-            EXPECT_EQ(row.title, QStringLiteral("新しい題"));
+            EXPECT_EQ(row.title, u"新しい題"_s);
         }
     }
     EXPECT_NEAR((written.back().end - ended).count(), 0, 0.1) << "the open row ends when KESTU ends";
@@ -98,7 +97,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
 }
 
 TEST_F(RecordingTest, EndsTheRowAtTheLastInput) {
-    const test::Terminal window(QStringLiteral("Quiet"), QStringLiteral("quiet"));
+    const test::Terminal window(u"Quiet"_s, u"quiet"_s);
     window.activate();
     const LinuxPlatformStart started = startLinuxPlatform();
     const auto repository = openRepository(location(), systemNow);
@@ -124,11 +123,10 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     test::MockLogin login(*systemBus);
     login.start();
     const auto holdersAre = [&](const QString& list) {
-        login.manager().answer(QStringLiteral("org.freedesktop.login1.Manager"),
-                               QStringLiteral("ListInhibitors"), QStringLiteral("a(ssssuu)"),
-                               QStringLiteral("ret = [%1]").arg(list));
+        login.manager().answer(u"org.freedesktop.login1.Manager"_s, u"ListInhibitors"_s, u"a(ssssuu)"_s,
+                               u"ret = [%1]"_s.arg(list));
     };
-    const test::Terminal window(QStringLiteral("Player"), QStringLiteral("player"));
+    const test::Terminal window(u"Player"_s, u"player"_s);
     window.activate();
     const LinuxPlatformStart started = startLinuxPlatform();
     const auto repository = openRepository(location(), systemNow);
@@ -141,14 +139,14 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     login.announceSleep(true);
     ASSERT_TRUE(waitUntil(recordsNot));
     EXPECT_NEAR((rows().back().end - systemNow()).count(), 0, 0.3);
-    login.setLocked(QStringLiteral("auto"), true);
+    login.setLocked(u"auto"_s, true);
     login.announceSleep(false);
     EXPECT_FALSE(waitUntil(records, 2500)) << "awake, but behind the locker";
-    login.setLocked(QStringLiteral("auto"), false);
+    login.setLocked(u"auto"_s, false);
     EXPECT_TRUE(waitUntil(records));
 
     const auto front = started.platform->workspace().frontmostApplication();
-    holdersAre(QStringLiteral("('idle', 'x', 'y', 'block', 0, %1)").arg(front->processId));
+    holdersAre(u"('idle', 'x', 'y', 'block', 0, %1)"_s.arg(front->processId));
     tracker.idleThreshold = Seconds{1};
     EXPECT_FALSE(waitUntil(recordsNot, 5000)) << "away, but the player keeps the display awake";
     holdersAre({});
@@ -156,10 +154,10 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
 }
 
 TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
-    const test::Terminal window(QStringLiteral("Front"), QStringLiteral("front"));
+    const test::Terminal window(u"Front"_s, u"front"_s);
     window.activate();
     for (const int milliseconds : {300, 2700, 5100}) {
-        test::Program kestu(QStringLiteral(KESTU_PROGRAM), {}, {{QStringLiteral("KESTU_DB_PATH"), path}});
+        test::Program kestu(QStringLiteral(KESTU_PROGRAM), {}, {{u"KESTU_DB_PATH"_s, path}});
         const size_t before = QFile::exists(path) ? rows().size() : 0;
         ASSERT_TRUE(waitUntil([&] { return QFile::exists(path) && rows().size() > before; }, patience));
         waitUntil([] { return false; }, milliseconds);
@@ -167,9 +165,9 @@ TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
         const Instant killed = systemNow();
         ASSERT_EQ(kestu.waitForEnd(), -1);
         const auto store = openRepository(location(), systemNow);
-        EXPECT_EQ(store->database().query(QStringLiteral("PRAGMA integrity_check"), {},
+        EXPECT_EQ(store->database().query(u"PRAGMA integrity_check"_s, {},
                                           [](const Row& row) { return row.text(0); }),
-                  std::vector<QString>{QStringLiteral("ok")});
+                  std::vector<QString>{u"ok"_s});
         const auto written = store->activitiesOverlapping(instantAt(0), instantAt(1e11));
         ASSERT_EQ(written.size(), before + 1);
         EXPECT_LT((killed - written.back().end).count(), 2.3);

@@ -9,6 +9,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 TEST(DayKey, NamesTheLocalDayInEveryZoneAndForEveryInstant) {
     const Calendar tokyo{.zone = QTimeZone("Asia/Tokyo")};
     const Calendar berlin{.zone = QTimeZone("Europe/Berlin")};
@@ -34,15 +36,14 @@ TEST(DayKey, NamesTheLocalDayInEveryZoneAndForEveryInstant) {
 }
 
 TEST(MatchingKey, IgnoresCaseAndSurroundingBlanksButNotLineBreaks) {
-    EXPECT_EQ(matchingKey(QStringLiteral("\t\u3000\u00a0Kestu  開発 \u2003")), QStringLiteral("kestu  開発"));
-    EXPECT_NE(matchingKey(QStringLiteral("kestu\n")), matchingKey(QStringLiteral("kestu")));
-    EXPECT_EQ(matchingKey(QStringLiteral(" \u3000")), QString());
+    EXPECT_EQ(matchingKey(u"\t\u3000\u00a0Kestu  開発 \u2003"_s), u"kestu  開発"_s);
+    EXPECT_NE(matchingKey(u"kestu\n"_s), matchingKey(u"kestu"_s));
+    EXPECT_EQ(matchingKey(u" \u3000"_s), QString());
 }
 
 TEST(WhiteSpace, IsBlanksTogetherWithLineBreaks) {
-    EXPECT_EQ(trimmedWhiteSpace(QStringLiteral("\r\n\u3000 会議\nメモ\u2028\t\n")),
-              QStringLiteral("会議\nメモ"));
-    EXPECT_EQ(trimmedWhiteSpace(QStringLiteral(" \n\u3000\r")), QString());
+    EXPECT_EQ(trimmedWhiteSpace(u"\r\n\u3000 会議\nメモ\u2028\t\n"_s), u"会議\nメモ"_s);
+    EXPECT_EQ(trimmedWhiteSpace(u" \n\u3000\r"_s), QString());
 }
 
 } // namespace

@@ -9,15 +9,15 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using Events = Sessionizer::Events;
 using Started = Sessionizer::Started;
 using Moved = Sessionizer::Moved;
 using Closed = Sessionizer::Closed;
 
-const Sample editor{.bundleId = QStringLiteral("editor"),
-                    .appName = QStringLiteral("Editor"),
-                    .title = QStringLiteral("a.txt"),
-                    .url = std::nullopt};
+const Sample editor{
+    .bundleId = u"editor"_s, .appName = u"Editor"_s, .title = u"a.txt"_s, .url = std::nullopt};
 
 Sample with(Sample sample, const std::function<void(Sample&)>& change) {
     change(sample);
@@ -25,9 +25,9 @@ Sample with(Sample sample, const std::function<void(Sample&)>& change) {
 }
 
 TEST(Sessionizer, ExtendsAnEqualSampleAndSplitsAtEveryOtherObservation) {
-    const Sample otherTitle = with(editor, [](Sample& s) { s.title = QStringLiteral("b.txt"); });
-    const Sample otherName = with(editor, [](Sample& s) { s.appName = QStringLiteral("Other"); });
-    const Sample withUrl = with(editor, [](Sample& s) { s.url = QStringLiteral("https://example.jp/"); });
+    const Sample otherTitle = with(editor, [](Sample& s) { s.title = u"b.txt"_s; });
+    const Sample otherName = with(editor, [](Sample& s) { s.appName = u"Other"_s; });
+    const Sample withUrl = with(editor, [](Sample& s) { s.url = u"https://example.jp/"_s; });
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         const char* name;

@@ -14,6 +14,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using testing::Test;
 
 /// The store in a file, so that a test can be its second writer.
@@ -34,7 +36,7 @@ protected:
 
     void show(const char* bundleId, const char* title) {
         platform.fakeWorkspace.front = FrontmostApplication{
-            .bundleId = QString::fromUtf8(bundleId), .localizedName = QStringLiteral("App"), .processId = 1};
+            .bundleId = QString::fromUtf8(bundleId), .localizedName = u"App"_s, .processId = 1};
         platform.fakeWorkspace.title = QString::fromUtf8(title);
     }
 
@@ -64,7 +66,7 @@ protected:
     }
 
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("kestu.sqlite"));
+    const QString path = folder.filePath(u"kestu.sqlite"_s);
     test::FakeClock clock;
     const Instant began = clock.now;
     test::FakePlatform platform;
@@ -85,7 +87,7 @@ TEST_F(TrackerTest, WritesOneRowForEqualSamplesAndTouchingRowsForASwitch) {
     workFor(10); // the longest silence
     workFor(11); // one too long
     EXPECT_EQ(rows(), "a.txt 0-5\nb.txt 5-15\nb.txt 26-26\n");
-    EXPECT_EQ(tracker.current()->title, QStringLiteral("b.txt"));
+    EXPECT_EQ(tracker.current()->title, u"b.txt"_s);
     clock.now += Seconds{1};
     tracker.stop();
     tracker.stop();
@@ -147,7 +149,7 @@ TEST_F(TrackerTest, KeepsRecordingForWhoWatchesButForThreeHoursAtMost) {
 }
 
 TEST_F(TrackerTest, ClosesForWhateverIsNotToBeRecorded) {
-    tracker.policy.excludedBundleIds = {QStringLiteral("secret")};
+    tracker.policy.excludedBundleIds = {u"secret"_s};
     tracker.start();
     const auto hide = {std::function([this] { show("secret", "x"); }),
                        std::function([this] { show("com.apple.ScreenSaver.Engine", "x"); }),
@@ -208,14 +210,14 @@ TEST_F(TrackerTest, GoesOnInANewRowAfterAResetOfTheSession) {
 }
 
 TEST_F(TrackerTest, DropsAFailedWriteAndGoesOn) {
-    repository->database().executeScript(QStringLiteral(
-        "CREATE TRIGGER full BEFORE INSERT ON activity BEGIN SELECT RAISE(ABORT, 'full'); END"));
+    repository->database().executeScript(
+        u"CREATE TRIGGER full BEFORE INSERT ON activity BEGIN SELECT RAISE(ABORT, 'full'); END"_s);
     tracker.start();
     workFor(2);
     EXPECT_EQ(rows(), "");
     EXPECT_TRUE(tracker.current());
     EXPECT_EQ(updates, 2);
-    repository->database().executeScript(QStringLiteral("DROP TRIGGER full"));
+    repository->database().executeScript(u"DROP TRIGGER full"_s);
     workFor(2); // the same activity: it has no row
     EXPECT_EQ(rows(), "");
     show("editor", "b.txt");
@@ -228,10 +230,10 @@ TEST_F(TrackerTest, SurvivesAWriterThatHoldsTheLockForLongerThanItWaits) {
     tracker.start();
     workFor(2);
     Database other(path);
-    other.executeScript(QStringLiteral("BEGIN IMMEDIATE"));
+    other.executeScript(u"BEGIN IMMEDIATE"_s);
     workFor(2); // waits its three seconds and gives up
     EXPECT_EQ(rows(), "a.txt 0-2\n");
-    other.executeScript(QStringLiteral("COMMIT"));
+    other.executeScript(u"COMMIT"_s);
     workFor(2);
     EXPECT_EQ(rows(), "a.txt 0-6\n") << "the same row, with nothing lost";
 }

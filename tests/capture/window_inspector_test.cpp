@@ -8,16 +8,17 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 class WindowInspectorTest : public testing::Test {
 protected:
     WindowInspectorTest() {
-        scripting.further = {
-            {QStringLiteral("org.mozilla.firefox"), QStringLiteral("return URL of front document")}};
+        scripting.further = {{u"org.mozilla.firefox"_s, u"return URL of front document"_s}};
     }
 
     void show(const char* bundleId, const char* title) {
         workspace.front = FrontmostApplication{
-            .bundleId = QString::fromUtf8(bundleId), .localizedName = QStringLiteral("名前"), .processId = 7};
+            .bundleId = QString::fromUtf8(bundleId), .localizedName = u"名前"_s, .processId = 7};
         workspace.title = QString::fromUtf8(title);
     }
 
@@ -30,11 +31,10 @@ TEST_F(WindowInspectorTest, NamesWhatHasNoNameAndIgnoresWhatIsNeverRecorded) {
     EXPECT_FALSE(inspector.sample());
 
     workspace.front = FrontmostApplication{.bundleId = {}, .localizedName = {}, .processId = 812};
-    workspace.title = QStringLiteral("題");
-    EXPECT_EQ(inspector.sample(), (Sample{QStringLiteral("pid.812"), QStringLiteral("pid.812"),
-                                          QStringLiteral("題"), std::nullopt}));
-    workspace.front->localizedName = QStringLiteral("道具");
-    EXPECT_EQ(inspector.sample()->appName, QStringLiteral("道具"));
+    workspace.title = u"題"_s;
+    EXPECT_EQ(inspector.sample(), (Sample{u"pid.812"_s, u"pid.812"_s, u"題"_s, std::nullopt}));
+    workspace.front->localizedName = u"道具"_s;
+    EXPECT_EQ(inspector.sample()->appName, u"道具"_s);
 
     for (const char* ignored :
          {"com.apple.loginwindow", "com.apple.ScreenSaver.Engine", "com.apple.UserNotificationCenter",

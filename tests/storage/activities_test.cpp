@@ -8,21 +8,20 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::dump;
 using test::failureOf;
 using test::TemporaryStore;
 
-const Sample browsing{.bundleId = QStringLiteral("org.browser"),
-                      .appName = QStringLiteral("ブラウザ"),
-                      .title = QStringLiteral("会議のメモ"),
-                      .url = QStringLiteral("https://www.example.jp/memo")};
+const Sample browsing{.bundleId = u"org.browser"_s,
+                      .appName = u"ブラウザ"_s,
+                      .title = u"会議のメモ"_s,
+                      .url = u"https://www.example.jp/memo"_s};
 
 ManualEntry entryFrom(double start, double end) {
-    return {.start = instantAt(start),
-            .end = instantAt(end),
-            .title = QStringLiteral("会議"),
-            .projectId = {},
-            .tagIds = {}};
+    return {
+        .start = instantAt(start), .end = instantAt(end), .title = u"会議"_s, .projectId = {}, .tagIds = {}};
 }
 
 ActivityId record(Repository& repository, double start, double end, const Sample& sample = browsing) {
@@ -33,17 +32,17 @@ ActivityId record(Repository& repository, double start, double end, const Sample
 
 std::string intervals(const TemporaryStore& store) {
     return dump(store.database(),
-                QStringLiteral("SELECT id, CAST(start AS INTEGER), CAST(end AS INTEGER), is_manual "
-                               "FROM activity ORDER BY start, id"),
+                u"SELECT id, CAST(start AS INTEGER), CAST(end AS INTEGER), is_manual "
+                "FROM activity ORDER BY start, id"_s,
                 4);
 }
 
 TEST(Activities, ReadBackWhatWasObservedAndAssigned) {
     const TemporaryStore store;
     Repository& repository = *store.repository;
-    const ProjectId project = repository.insertCategory(CategoryKind::project, QStringLiteral("p"), {});
-    store.database().executeScript(QStringLiteral("INSERT INTO tag (id, name, color) VALUES "
-                                                  "(3, 'a', ''), (11, 'b', ''), (12, 'c', '')"));
+    const ProjectId project = repository.insertCategory(CategoryKind::project, u"p"_s, {});
+    store.database().executeScript(u"INSERT INTO tag (id, name, color) VALUES "
+                                   "(3, 'a', ''), (11, 'b', ''), (12, 'c', '')"_s);
     const ActivityId id = record(repository, 10, 20);
     const ActivityId other = record(repository, 30, 40, Sample{});
     constexpr ActivityId gone = 999;
@@ -62,7 +61,7 @@ TEST(Activities, ReadBackWhatWasObservedAndAssigned) {
                             .appName = browsing.appName,
                             .title = browsing.title,
                             .url = browsing.url,
-                            .domain = QStringLiteral("example.jp"),
+                            .domain = u"example.jp"_s,
                             .projectId = project,
                             .isManual = false,
                             .tagIds = {3, 11}};
@@ -71,25 +70,24 @@ TEST(Activities, ReadBackWhatWasObservedAndAssigned) {
     repository.setProject(std::array{id}, std::nullopt);
     EXPECT_FALSE(repository.activitiesOverlapping(instantAt(0), instantAt(25)).at(0).projectId);
     repository.deleteActivity(id);
-    EXPECT_EQ(dump(store.database(), QStringLiteral("SELECT DISTINCT activity_id FROM activity_tag"), 1),
+    EXPECT_EQ(dump(store.database(), u"SELECT DISTINCT activity_id FROM activity_tag"_s, 1),
               std::to_string(other));
 }
 
 TEST(Activities, ATagThatIsGoneFailsForAllOrNone) {
     const TemporaryStore store;
     const ActivityId id = record(*store.repository, 10, 20);
-    const TagId tag = store.repository->insertCategory(CategoryKind::tag, QStringLiteral("t"), {});
+    const TagId tag = store.repository->insertCategory(CategoryKind::tag, u"t"_s, {});
     store.database().executeScript(
-        QStringLiteral("CREATE TRIGGER second AFTER INSERT ON activity_tag WHEN NEW.activity_id = %1 "
-                       "BEGIN DELETE FROM tag; END")
-            .arg(id));
+        u"CREATE TRIGGER second AFTER INSERT ON activity_tag WHEN NEW.activity_id = %1 "
+        "BEGIN DELETE FROM tag; END"_s.arg(id));
     const ActivityId other = record(*store.repository, 30, 40);
     EXPECT_EQ(failureOf([&] {
                   store.repository->setTag(std::array{id, other}, tag, Repository::TagState::on);
               }),
               "FOREIGN KEY constraint failed — INSERT OR IGNORE INTO activity_tag (activity_id, tag_id) "
               "VALUES (?, ?)");
-    EXPECT_EQ(dump(store.database(), QStringLiteral("SELECT id FROM tag"), 1), std::to_string(tag));
+    EXPECT_EQ(dump(store.database(), u"SELECT id FROM tag"_s, 1), std::to_string(tag));
     store.repository->setTag({}, 12345, Repository::TagState::on); // nothing to do is no failure
 }
 
@@ -175,8 +173,8 @@ TEST(ManualEntry, LosesNoSecondOutsideItAndLeavesNoneInside) {
         std::uniform_int_distribution<int> second(0, seconds - 1);
         const TemporaryStore store;
         for (const CategoryKind kind : {CategoryKind::project, CategoryKind::tag}) {
-            store.repository->insertCategory(kind, QStringLiteral("even"), {});
-            store.repository->insertCategory(kind, QStringLiteral("odd"), {});
+            store.repository->insertCategory(kind, u"even"_s, {});
+            store.repository->insertCategory(kind, u"odd"_s, {});
         }
         for (int app = 0; app < 30; ++app) {
             const auto [start, end] = std::minmax({second(random), second(random)});
@@ -203,7 +201,7 @@ TEST(ManualEntry, IsReplacedUnderANewIdAndRefusedWhenItDoesNotEndAfterItsStart) 
     const auto replace = [&](ActivityId id, const ManualEntry& entry) {
         return store.database().transaction([&] { return repository.replaceManualEntry(id, entry); });
     };
-    const TagId tag = repository.insertCategory(CategoryKind::tag, QStringLiteral("t"), {});
+    const TagId tag = repository.insertCategory(CategoryKind::tag, u"t"_s, {});
     record(repository, 0, 100);
     ManualEntry entry = entryFrom(50, 80);
     entry.tagIds = {tag};

@@ -7,24 +7,26 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::dump;
 using test::failureOf;
 using test::TemporaryStore;
 
-const QString blue = QStringLiteral("#2D9CDB");
+const QString blue = u"#2D9CDB"_s;
 
 /// Everything that accepting a suggestion may touch.
 std::string categoriesAndRules(const TemporaryStore& store) {
-    return dump(store.database(), QStringLiteral("SELECT 'project', id, name, color, sort FROM project"), 5) +
-           '\n' + dump(store.database(), QStringLiteral("SELECT 'tag', id, name, color, sort FROM tag"), 5) +
-           '\n' + dump(store.database(), QStringLiteral("SELECT * FROM rule"), 7) + '\n' +
-           dump(store.database(), QStringLiteral("SELECT * FROM rule_suggestion"), 8);
+    return dump(store.database(), u"SELECT 'project', id, name, color, sort FROM project"_s, 5) + '\n' +
+           dump(store.database(), u"SELECT 'tag', id, name, color, sort FROM tag"_s, 5) + '\n' +
+           dump(store.database(), u"SELECT * FROM rule"_s, 7) + '\n' +
+           dump(store.database(), u"SELECT * FROM rule_suggestion"_s, 8);
 }
 
 void suggest(const TemporaryStore& store, const char* kind, const char* target, const char* field,
              const char* op) {
-    store.database().run(QStringLiteral("INSERT INTO rule_suggestion (target_kind, target_name, field, op, "
-                                        "value, created_at) VALUES (?, ?, ?, ?, 'v', 12.5)"),
+    store.database().run(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, "
+                         "value, created_at) VALUES (?, ?, ?, ?, 'v', 12.5)"_s,
                          {QString::fromUtf8(kind), QString::fromUtf8(target), QString::fromUtf8(field),
                           QString::fromUtf8(op)});
 }
@@ -39,8 +41,8 @@ TEST(Categories, TakeTheNextSortAndKeepItWhenEdited) {
     insert("b");
     repository.deleteCategory(CategoryKind::project, insert("c"));
     insert(" d ");
-    repository.updateCategory(CategoryKind::project, 2, QStringLiteral("B"), QStringLiteral("#000000"));
-    store.database().executeScript(QStringLiteral("INSERT INTO project VALUES (20, 'e', '', 0)"));
+    repository.updateCategory(CategoryKind::project, 2, u"B"_s, u"#000000"_s);
+    store.database().executeScript(u"INSERT INTO project VALUES (20, 'e', '', 0)"_s);
     std::vector<std::string> read;
     for (const Project& project : repository.projects()) {
         read.push_back((project.name + project.colorHex + QString::number(project.sort)).toStdString());
@@ -52,9 +54,9 @@ TEST(Categories, TakeTheNextSortAndKeepItWhenEdited) {
 TEST(Categories, AreFoundByNameWithoutCaseAndSurroundingBlanks) {
     const TemporaryStore store;
     Repository& repository = *store.repository;
-    store.database().executeScript(QStringLiteral(
-        "INSERT INTO tag (id, name, color) VALUES (1, '　Ｄev 会議 ', ''), (2, 'line' || char(10), ''), "
-        "(3, 'ＤEV 会議', '')"));
+    store.database().executeScript(
+        u"INSERT INTO tag (id, name, color) VALUES (1, '　Ｄev 会議 ', ''), (2, 'line' || char(10), ''), "
+        "(3, 'ＤEV 会議', '')"_s);
     const struct {
         const char* name;
         std::optional<RowId> id;
@@ -75,15 +77,15 @@ TEST(Categories, AreMadeWithTrimmedNameAndThePalettesNextColour) {
     const char* const palette[] = {"#4F7CF7", "#F2994A", "#27AE60", "#EB5757", "#9B51E0",
                                    "#2D9CDB", "#F2C94C", "#828282", "#4F7CF7", "#F2994A"};
     for (const char* color : palette) {
-        const QString name = QStringLiteral("t%1").arg(repository.tags().size());
+        const QString name = u"t%1"_s.arg(repository.tags().size());
         const RowId id = repository.findOrCreateCategory(CategoryKind::tag, u'\u3000' + name + u'\t');
         EXPECT_EQ(repository.tags().back(),
                   (Tag{.id = id, .name = name, .colorHex = QString::fromUtf8(color), .sort = id - 1}));
     }
-    EXPECT_EQ(repository.findOrCreateCategory(CategoryKind::tag, QStringLiteral(" T3"), blue), 4);
-    EXPECT_EQ(repository.tags().at(3).colorHex, QStringLiteral("#EB5757"));
-    repository.findOrCreateCategory(CategoryKind::tag, QStringLiteral("new"), QStringLiteral("#123456"));
-    EXPECT_EQ(repository.tags().back().colorHex, QStringLiteral("#123456"));
+    EXPECT_EQ(repository.findOrCreateCategory(CategoryKind::tag, u" T3"_s, blue), 4);
+    EXPECT_EQ(repository.tags().at(3).colorHex, u"#EB5757"_s);
+    repository.findOrCreateCategory(CategoryKind::tag, u"new"_s, u"#123456"_s);
+    EXPECT_EQ(repository.tags().back().colorHex, u"#123456"_s);
 }
 
 TEST(Categories, TakeTheirRulesAndLinksWithThem) {
@@ -92,7 +94,7 @@ TEST(Categories, TakeTheirRulesAndLinksWithThem) {
     const std::array id{repository.insertActivity({}, instantAt(10))};
     repository.extendActivity(id[0], instantAt(20));
     for (const CategoryKind kind : {CategoryKind::project, CategoryKind::tag}) {
-        const RowId category = repository.insertCategory(kind, QStringLiteral("c"), blue);
+        const RowId category = repository.insertCategory(kind, u"c"_s, blue);
         repository.insertRule({.kind = kind, .id = category}, RuleField::app, RuleOperator::equals, {});
     }
     repository.setProject(id, 1);
@@ -108,17 +110,16 @@ TEST(Categories, TakeTheirRulesAndLinksWithThem) {
 TEST(Rules, AreEditedInPlaceAndRefusedWithoutATarget) {
     const TemporaryStore store;
     Repository& repository = *store.repository;
-    repository.insertCategory(CategoryKind::project, QStringLiteral("p"), blue);
-    repository.insertCategory(CategoryKind::tag, QStringLiteral("t"), blue);
+    repository.insertCategory(CategoryKind::project, u"p"_s, blue);
+    repository.insertCategory(CategoryKind::tag, u"t"_s, blue);
     const RuleTarget project{.kind = CategoryKind::project, .id = 1};
-    const RuleId first =
-        repository.insertRule(project, RuleField::url, RuleOperator::prefix, QStringLiteral("v"));
+    const RuleId first = repository.insertRule(project, RuleField::url, RuleOperator::prefix, u"v"_s);
     const RuleId second = repository.insertRule(project, RuleField::app, RuleOperator::equals, {});
     Rule edited{.id = first,
                 .target = {.kind = CategoryKind::tag, .id = 1},
                 .field = RuleField::domain,
                 .op = RuleOperator::equals,
-                .value = QStringLiteral("w"),
+                .value = u"w"_s,
                 .sort = 99};
     repository.updateRule(edited);
     edited.sort = 0; // is not written
@@ -137,7 +138,7 @@ TEST(Rules, AreEditedInPlaceAndRefusedWithoutATarget) {
 TEST(Suggestions, BecomeRulesOfANewOrAnExistingCategory) {
     const TemporaryStore store;
     Repository& repository = *store.repository;
-    repository.insertCategory(CategoryKind::tag, QStringLiteral("Review"), blue);
+    repository.insertCategory(CategoryKind::tag, u"Review"_s, blue);
     suggest(store, "tag", "　review ", "url", "prefix");
     suggest(store, "Tag", " 新しい ", "window", "regex"); // unknown words read as the first of their kind
     suggest(store, "tag", "left", "app", "equals");
@@ -145,10 +146,10 @@ TEST(Suggestions, BecomeRulesOfANewOrAnExistingCategory) {
     ASSERT_EQ(waiting.size(), 3U);
     EXPECT_EQ(waiting[1], (RuleSuggestion{.id = 2,
                                           .kind = CategoryKind::project,
-                                          .targetName = QStringLiteral(" 新しい "),
+                                          .targetName = u" 新しい "_s,
                                           .field = RuleField::app,
                                           .op = RuleOperator::contains,
-                                          .value = QStringLiteral("v"),
+                                          .value = u"v"_s,
                                           .reason = QString(),
                                           .createdAt = instantAt(12.5)}));
     EXPECT_EQ(repository.acceptSuggestion(1), 1);
@@ -166,8 +167,8 @@ TEST(Suggestions, ThatFailInAnyStepChangeNothing) {
         const TemporaryStore store;
         suggest(store, "project", "new", "url", "prefix");
         store.database().executeScript(
-            QStringLiteral("CREATE TRIGGER refuse AFTER %1 BEGIN SELECT RAISE(ABORT, 'refused'); END")
-                .arg(QString::fromUtf8(event)));
+            u"CREATE TRIGGER refuse AFTER %1 BEGIN SELECT RAISE(ABORT, 'refused'); END"_s.arg(
+                QString::fromUtf8(event)));
         const std::string before = categoriesAndRules(store);
         EXPECT_THAT(failureOf([&] { store.repository->acceptSuggestion(1); }),
                     testing::StartsWith("refused — "));
@@ -177,7 +178,7 @@ TEST(Suggestions, ThatFailInAnyStepChangeNothing) {
 
 TEST(DailyNotes, AreTrimmedAndClearedWhenNothingIsLeft) {
     TemporaryStore store;
-    const QString day = QStringLiteral("2026-03-05");
+    const QString day = u"2026-03-05"_s;
     const struct {
         const char* summary;
         std::optional<std::string> stored;
@@ -189,18 +190,18 @@ TEST(DailyNotes, AreTrimmedAndClearedWhenNothingIsLeft) {
     };
     for (const auto& row : rows) {
         store.database().executeScript(
-            QStringLiteral("INSERT OR IGNORE INTO daily_note VALUES ('2026-03-05', 'x', 'assistant', 0)"));
+            u"INSERT OR IGNORE INTO daily_note VALUES ('2026-03-05', 'x', 'assistant', 0)"_s);
         store.now += Seconds(1);
-        store.repository->saveDailyNote(day, QString::fromUtf8(row.summary), QStringLiteral("user"));
+        store.repository->saveDailyNote(day, QString::fromUtf8(row.summary), u"user"_s);
         const auto note = store.repository->dailyNote(day);
         ASSERT_EQ(note.has_value(), row.stored.has_value()) << row.summary;
         if (note) {
             EXPECT_EQ(note->summary.toStdString(), *row.stored);
-            EXPECT_EQ(note->author, QStringLiteral("user"));
+            EXPECT_EQ(note->author, u"user"_s);
             EXPECT_EQ(note->updatedAt, store.now);
         }
     }
-    EXPECT_FALSE(store.repository->dailyNote(QStringLiteral("2026-03-06")));
+    EXPECT_FALSE(store.repository->dailyNote(u"2026-03-06"_s));
 }
 
 } // namespace

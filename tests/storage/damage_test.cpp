@@ -17,6 +17,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::dump;
 using test::failureOf;
 using test::StoreProcess;
@@ -72,10 +74,10 @@ TEST(DamagedStore, ReportsABadPageWhetherOrNotTheLengthsAreIndexed) {
         store.repository->insertActivity({}, instantAt(10));
         store.repository->extendActivity(1, instantAt(20));
         if (!isIndexed) {
-            store.database().executeScript(QStringLiteral("DROP INDEX activity_length"));
+            store.database().executeScript(u"DROP INDEX activity_length"_s);
         }
-        const QString place = QStringLiteral("SELECT (rootpage - 1) * (SELECT page_size FROM "
-                                             "pragma_page_size) FROM sqlite_master WHERE name = 'activity'");
+        const QString place = u"SELECT (rootpage - 1) * (SELECT page_size FROM "
+                              "pragma_page_size) FROM sqlite_master WHERE name = 'activity'"_s;
         const qint64 offset = std::stoll(dump(store.database(), place, 1));
         store.repository.reset();
         write(store.path, offset, QByteArray(64, '\xAA'));
@@ -94,7 +96,7 @@ TEST(FullDisk, FailsTheWholeOperationAndKeepsWhatWasThere) {
     const TemporaryStore store;
     store.repository->insertActivity({}, instantAt(0));
     store.repository->extendActivity(1, instantAt(100));
-    store.database().executeScript(QStringLiteral("PRAGMA max_page_count = 1")); // as many as there are
+    store.database().executeScript(u"PRAGMA max_page_count = 1"_s); // as many as there are
     const auto addEntry = [&] {
         store.database().transaction([&] {
             store.repository->insertManualEntry({.start = instantAt(10),
@@ -104,11 +106,11 @@ TEST(FullDisk, FailsTheWholeOperationAndKeepsWhatWasThere) {
                                                  .tagIds = {}});
         });
     };
-    const QString rows = QStringLiteral("SELECT start, end FROM activity ORDER BY start");
+    const QString rows = u"SELECT start, end FROM activity ORDER BY start"_s;
     EXPECT_THAT(failureOf(addEntry), StartsWith("database or disk is full — INSERT INTO activity"));
     EXPECT_EQ(dump(store.database(), rows, 2), "0.0|100.0");
 
-    store.database().executeScript(QStringLiteral("PRAGMA max_page_count = 10000"));
+    store.database().executeScript(u"PRAGMA max_page_count = 10000"_s);
     EXPECT_EQ(failureOf(addEntry), "");
     EXPECT_EQ(dump(store.database(), rows, 2), "0.0|10.0\n10.0|90.0\n90.0|100.0");
 }
@@ -125,7 +127,7 @@ TEST(KilledWriter, LosesNothingThatItHadCommitted) {
     }
     ASSERT_GT(reported, 0);
     store.repository = store.open();
-    EXPECT_EQ(dump(store.database(), QStringLiteral("PRAGMA integrity_check"), 1), "ok");
+    EXPECT_EQ(dump(store.database(), u"PRAGMA integrity_check"_s, 1), "ok");
     const auto activities = store.repository->activitiesOverlapping(instantAt(0), instantAt(1));
     ASSERT_EQ(activities.size(), 1U);
     // The last commit may have come through without its report.

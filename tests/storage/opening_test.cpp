@@ -20,6 +20,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::dump;
 using test::failureOf;
 
@@ -51,9 +53,9 @@ void writeFileOfVersion(int version, const QString& path) {
             migrate(database);
         }
         if (version == 2) {
-            database.executeScript(QStringLiteral("DROP TABLE rule_suggestion; DROP TABLE daily_note"));
+            database.executeScript(u"DROP TABLE rule_suggestion; DROP TABLE daily_note"_s);
         }
-        database.executeScript(QStringLiteral("PRAGMA user_version = %1").arg(version));
+        database.executeScript(u"PRAGMA user_version = %1"_s.arg(version));
         QFile::setPermissions(path, QFile::permissions(path) | QFile::ReadGroup | QFile::ReadOther);
     }
 }
@@ -93,18 +95,17 @@ TEST(Opening, BringsEveryOlderFileToTheCurrentSchemaBacksItUpAndClosesItToOthers
     for (const auto& row : rows) {
         SCOPED_TRACE(row.version);
         const QTemporaryDir temporary;
-        const QString home = temporary.filePath(QStringLiteral("it's ''mine'"));
-        const QString folder = home + QStringLiteral("/KESTU/");
-        const QString path = folder + QStringLiteral("kestu.sqlite");
+        const QString home = temporary.filePath(u"it's ''mine'"_s);
+        const QString folder = home + u"/KESTU/"_s;
+        const QString path = folder + u"kestu.sqlite"_s;
         writeFileOfVersion(row.version, path);
         const auto repository = openIn(home, [] { ADD_FAILURE() << "a small file takes no time"; });
 
         EXPECT_EQ(repository->database().userVersion(), row.versionAfter);
-        const QString lengthIndexes =
-            QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE name = 'activity_length'");
+        const QString lengthIndexes = u"SELECT COUNT(*) FROM sqlite_master WHERE name = 'activity_length'"_s;
         EXPECT_EQ(dump(repository->database(), lengthIndexes, 1), row.lengthIndexes);
-        EXPECT_EQ(modeOf(folder + QStringLiteral("kestu-backup-v%1.sqlite").arg(row.version)), row.backup);
-        EXPECT_EQ(QDir(folder).entryList({QStringLiteral("*backup*")}).size(), row.backup.empty() ? 0 : 1);
+        EXPECT_EQ(modeOf(folder + u"kestu-backup-v%1.sqlite"_s.arg(row.version)), row.backup);
+        EXPECT_EQ(QDir(folder).entryList({u"*backup*"_s}).size(), row.backup.empty() ? 0 : 1);
         EXPECT_EQ(modeOf(folder), "700");
         for (const char* suffix : {"", "-wal", "-shm"}) {
             EXPECT_EQ(modeOf(path + QString::fromUtf8(suffix)), "600") << suffix;
@@ -114,7 +115,7 @@ TEST(Opening, BringsEveryOlderFileToTheCurrentSchemaBacksItUpAndClosesItToOthers
                             .target = {.kind = CategoryKind::project, .id = 5},
                             .field = RuleField::title,
                             .op = RuleOperator::prefix,
-                            .value = QStringLiteral("kestu"),
+                            .value = u"kestu"_s,
                             .sort = 3};
             EXPECT_EQ(repository->rules(), std::vector{kept});
             const auto activities = repository->activitiesOverlapping(instantAt(0), instantAt(30));
@@ -127,8 +128,8 @@ TEST(Opening, BringsEveryOlderFileToTheCurrentSchemaBacksItUpAndClosesItToOthers
 TEST(Opening, ShippedSchemaIsNeverEdited) {
     const test::TemporaryStore store;
     const std::string schema = dump(store.database(),
-                                    QStringLiteral("SELECT sql FROM sqlite_master WHERE sql IS NOT NULL AND "
-                                                   "name <> 'activity_length' ORDER BY name"),
+                                    u"SELECT sql FROM sqlite_master WHERE sql IS NOT NULL AND "
+                                    "name <> 'activity_length' ORDER BY name"_s,
                                     1);
     EXPECT_EQ(QCryptographicHash::hash(QByteArray::fromStdString(schema), QCryptographicHash::Sha256).toHex(),
               "c2519fe1b3271a109150ba8c8161b4ee402a37cb9bd2457c476fbe94c032e81b")
@@ -137,29 +138,28 @@ TEST(Opening, ShippedSchemaIsNeverEdited) {
 
 TEST(Opening, AFailedStepLeavesTheFileBeforeItAndItsFirstBackupStays) {
     const QTemporaryDir home;
-    const QString path = home.filePath(QStringLiteral("KESTU/kestu.sqlite"));
-    const QString backup = home.filePath(QStringLiteral("KESTU/kestu-backup-v2.sqlite"));
+    const QString path = home.filePath(u"KESTU/kestu.sqlite"_s);
+    const QString backup = home.filePath(u"KESTU/kestu-backup-v2.sqlite"_s);
     writeFileOfVersion(2, path);
-    Database(path).executeScript(QStringLiteral("CREATE TABLE daily_note (x)")); // in the way of step 3
+    Database(path).executeScript(u"CREATE TABLE daily_note (x)"_s); // in the way of step 3
     for (int attempt = 0; attempt < 2; ++attempt) {
         EXPECT_THAT(
             failureOf([&] { (void)openIn(home.path()); }),
             testing::StartsWith("table daily_note already exists — CREATE TABLE rule_suggestion (\n"));
         Database database(path);
         EXPECT_EQ(database.userVersion(), 2);
-        EXPECT_EQ(failureOf([&] { database.run(QStringLiteral("DELETE FROM rule_suggestion")); }),
+        EXPECT_EQ(failureOf([&] { database.run(u"DELETE FROM rule_suggestion"_s); }),
                   "no such table: rule_suggestion — DELETE FROM rule_suggestion");
-        database.run(QStringLiteral("DELETE FROM rule")); // not in the backup of the first attempt
+        database.run(u"DELETE FROM rule"_s); // not in the backup of the first attempt
     }
-    EXPECT_EQ(dump(Database(backup), QStringLiteral("SELECT COUNT(*) FROM rule"), 1), "1");
+    EXPECT_EQ(dump(Database(backup), u"SELECT COUNT(*) FROM rule"_s, 1), "1");
 }
 
 TEST(Opening, AnnouncesOnlyTheStepsThatTakeTheirTime) {
     const QTemporaryDir home;
-    const QString path = home.filePath(QStringLiteral("KESTU/kestu.sqlite"));
+    const QString path = home.filePath(u"KESTU/kestu.sqlite"_s);
     writeFileOfVersion(2, path);
-    Database(path).executeScript(
-        QStringLiteral("CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(70000000))"));
+    Database(path).executeScript(u"CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(70000000))"_s);
     int announced = 0;
     openIn(home.path(), [&] { ++announced; });
     EXPECT_EQ(announced, 2); // the backup and the index
@@ -169,10 +169,9 @@ TEST(Opening, AnnouncesOnlyTheStepsThatTakeTheirTime) {
 
 TEST(Opening, GoesOnWithoutABackupForWhichThereIsNoRoomAndLeavesNoHalfOfOne) {
     const QTemporaryDir home;
-    const QString path = home.filePath(QStringLiteral("KESTU/kestu.sqlite"));
+    const QString path = home.filePath(u"KESTU/kestu.sqlite"_s);
     writeFileOfVersion(2, path);
-    Database(path).executeScript(
-        QStringLiteral("CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(3000000))"));
+    Database(path).executeScript(u"CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(3000000))"_s);
 
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
@@ -181,41 +180,41 @@ TEST(Opening, GoesOnWithoutABackupForWhichThereIsNoRoomAndLeavesNoHalfOfOne) {
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &narrow), 0);
     EXPECT_EQ(openIn(home.path())->database().userVersion(), currentSchemaVersion);
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-    EXPECT_FALSE(QFileInfo::exists(home.filePath(QStringLiteral("KESTU/kestu-backup-v2.sqlite"))));
+    EXPECT_FALSE(QFileInfo::exists(home.filePath(u"KESTU/kestu-backup-v2.sqlite"_s)));
 }
 
 TEST(Opening, DoesWithoutTheLengthIndexWhereItCannotBeMade) {
     const QTemporaryDir home;
-    const QString path = home.filePath(QStringLiteral("KESTU/kestu.sqlite"));
+    const QString path = home.filePath(u"KESTU/kestu.sqlite"_s);
     writeFileOfVersion(3, path);
-    Database(path).executeScript(QStringLiteral("CREATE TABLE activity_length (x)"));
+    Database(path).executeScript(u"CREATE TABLE activity_length (x)"_s);
     EXPECT_EQ(openIn(home.path())->activitiesOverlapping(instantAt(0), instantAt(30)).size(), 1U);
 }
 
 TEST(Opening, AnExplicitPathGetsNoBackupAndNoFolder) {
     const QTemporaryDir home;
-    const QString path = home.filePath(QStringLiteral("elsewhere.sqlite"));
+    const QString path = home.filePath(u"elsewhere.sqlite"_s);
     writeFileOfVersion(2, path);
     (void)openRepository({.explicitPath = path, .dataHome = home.path()}, systemNow);
     EXPECT_EQ(QDir(home.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-              QStringList(QStringLiteral("elsewhere.sqlite")));
+              QStringList(u"elsewhere.sqlite"_s));
 }
 
 TEST(StoreLocation, ComesFromTheEnvironment) {
     const QTemporaryDir home;
-    const QString inHome = home.filePath(QStringLiteral("KESTU/kestu.sqlite"));
+    const QString inHome = home.filePath(u"KESTU/kestu.sqlite"_s);
     const QByteArray former = qgetenv("HOME");
-    qputenv("HOME", QFile::encodeName(home.filePath(QStringLiteral("me"))));
-    const QString inMine = home.filePath(QStringLiteral("me/.local/share/KESTU/kestu.sqlite"));
+    qputenv("HOME", QFile::encodeName(home.filePath(u"me"_s)));
+    const QString inMine = home.filePath(u"me/.local/share/KESTU/kestu.sqlite"_s);
     const struct {
         QString databasePath;
         QString dataHome;
         QString expected;
     } rows[] = {
-        {home.filePath(QStringLiteral("a b.db")), home.path(), home.filePath(QStringLiteral("a b.db"))},
+        {home.filePath(u"a b.db"_s), home.path(), home.filePath(u"a b.db"_s)},
         {QString(), home.path(), inHome},
         {QString(), QString(), inMine},
-        {QString(), QStringLiteral("relative"), inMine},
+        {QString(), u"relative"_s, inMine},
     };
     for (const auto& row : rows) {
         qputenv("KESTU_DB_PATH", QFile::encodeName(row.databasePath));
@@ -225,7 +224,7 @@ TEST(StoreLocation, ComesFromTheEnvironment) {
     qunsetenv("KESTU_DB_PATH");
     qunsetenv("XDG_DATA_HOME");
     qputenv("HOME", former);
-    EXPECT_EQ(modeOf(home.filePath(QStringLiteral("me/.local/share/KESTU"))), "700");
+    EXPECT_EQ(modeOf(home.filePath(u"me/.local/share/KESTU"_s)), "700");
 }
 
 TEST(FormerInstallation, IsCarriedOverAndReplacesNothing) {
@@ -267,7 +266,7 @@ TEST(FormerInstallation, IsCarriedOverAndReplacesNothing) {
             QFile created(whole);
             ASSERT_TRUE(created.open(QIODevice::WriteOnly) && created.write(content) == content.size());
         }
-        EXPECT_EQ(dataFolder(home.path()), home.filePath(QStringLiteral("KESTU")));
+        EXPECT_EQ(dataFolder(home.path()), home.filePath(u"KESTU"_s));
         EXPECT_TRUE(filesUnder(home.path()) == row.after) << row.name;
     }
 }

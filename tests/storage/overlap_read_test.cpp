@@ -13,6 +13,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using test::TemporaryStore;
 
 constexpr double hour = 3600;
@@ -22,18 +24,18 @@ Activity stored(Repository& repository, double start, double end, bool isManual,
     Activity activity{.id = {},
                       .start = instantAt(start),
                       .end = instantAt(end),
-                      .bundleId = QStringLiteral("b"),
-                      .appName = QStringLiteral("a"),
+                      .bundleId = u"b"_s,
+                      .appName = u"a"_s,
                       .title = QString::number(start),
                       .url = std::nullopt,
                       .domain = std::nullopt,
                       .projectId = std::nullopt,
                       .isManual = isManual,
                       .tagIds = tagIds};
-    activity.id = repository.database().run(
-        QStringLiteral("INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
-                       "VALUES (?, ?, 'b', 'a', ?, ?)"),
-        {start, end, activity.title, std::int64_t{isManual}});
+    activity.id =
+        repository.database().run(u"INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
+                                  "VALUES (?, ?, 'b', 'a', ?, ?)"_s,
+                                  {start, end, activity.title, std::int64_t{isManual}});
     for (const TagId tagId : tagIds) {
         repository.setTag(std::array{activity.id}, tagId, Repository::TagState::on);
     }
@@ -118,7 +120,7 @@ TEST(OverlapRead, GivesExactlyTheOverlappingActivitiesByStartThenIdWithAndWithou
                         overlapping(activities, from, to))
                 << "from " << epochSeconds(from) << " to " << epochSeconds(to);
         }
-        store.database().executeScript(QStringLiteral("DROP INDEX activity_length"));
+        store.database().executeScript(u"DROP INDEX activity_length"_s);
         const Repository scanning(std::make_unique<Database>(store.path), systemNow);
         for (const auto& [from, to] : chosen) {
             ASSERT_TRUE(scanning.activitiesOverlapping(from, to) == overlapping(activities, from, to))
@@ -132,7 +134,7 @@ TEST(OverlapRead, NeverPassesOverTheWholeTable) {
     const OverlapRead read(store.database());
     const double from = 1772636400.0;
     const SqlValues arguments = read.arguments(instantAt(from), instantAt(from + day));
-    const auto plan = store.database().query(QStringLiteral("EXPLAIN QUERY PLAN ") + read.sql(), arguments,
+    const auto plan = store.database().query(u"EXPLAIN QUERY PLAN "_s + read.sql(), arguments,
                                              [](const Row& row) { return row.text(3).toStdString(); });
     const auto count = [&](const char* part) {
         return std::ranges::count_if(plan, [&](const auto& line) { return line.find(part) != line.npos; });

@@ -6,6 +6,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 TEST(Sample, DomainIsTheLowerCaseHostWithoutOneLeadingWww) {
     const struct {
         std::optional<QString> url;
@@ -13,15 +15,15 @@ TEST(Sample, DomainIsTheLowerCaseHostWithoutOneLeadingWww) {
     } rows[] = {
         {std::nullopt, std::nullopt},
         {QString(), std::nullopt},
-        {QStringLiteral("about:blank"), std::nullopt},
-        {QStringLiteral("file:///home/me/a.html"), std::nullopt},
-        {QStringLiteral("http://[broken"), std::nullopt},
-        {QStringLiteral("https://WWW.Example.JP:8080/www.?q=www."), QStringLiteral("example.jp")},
-        {QStringLiteral("https://www2.example.jp/"), QStringLiteral("www2.example.jp")},
-        {QStringLiteral("https://www.www.example.jp/"), QStringLiteral("www.example.jp")},
-        {QStringLiteral("http://localhost:3000"), QStringLiteral("localhost")},
-        {QStringLiteral("https://xn--wgv71a119e.jp/"), QStringLiteral("xn--wgv71a119e.jp")},
-        {QStringLiteral("http://[::1]/"), QStringLiteral("::1")},
+        {u"about:blank"_s, std::nullopt},
+        {u"file:///home/me/a.html"_s, std::nullopt},
+        {u"http://[broken"_s, std::nullopt},
+        {u"https://WWW.Example.JP:8080/www.?q=www."_s, u"example.jp"_s},
+        {u"https://www2.example.jp/"_s, u"www2.example.jp"_s},
+        {u"https://www.www.example.jp/"_s, u"www.example.jp"_s},
+        {u"http://localhost:3000"_s, u"localhost"_s},
+        {u"https://xn--wgv71a119e.jp/"_s, u"xn--wgv71a119e.jp"_s},
+        {u"http://[::1]/"_s, u"::1"_s},
     };
     for (const auto& row : rows) {
         const Sample sample{.bundleId = {}, .appName = {}, .title = {}, .url = row.url};

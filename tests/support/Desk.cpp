@@ -11,17 +11,17 @@
 namespace kestu::test {
 namespace {
 
-const QString xdotool = QStringLiteral("xdotool");
+using namespace Qt::StringLiterals;
+
+const QString xdotool = u"xdotool"_s;
 
 } // namespace
 
 Terminal::Terminal(const QString& wmClass, const QString& title)
-    : m_program(QStringLiteral("xterm"), {QStringLiteral("-class"), wmClass, QStringLiteral("-name"), wmClass,
-                                          QStringLiteral("-title"), title, QStringLiteral("-e"),
-                                          QStringLiteral("sleep"), QStringLiteral("600")}) {
+    : m_program(u"xterm"_s, {u"-class"_s, wmClass, u"-name"_s, wmClass, u"-title"_s, title, u"-e"_s,
+                             u"sleep"_s, u"600"_s}) {
     EXPECT_TRUE(waitUntil([&] {
-        m_windowId = outputOf(xdotool, {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                        QStringLiteral("--class"), u'^' + wmClass + u'$'})
+        m_windowId = outputOf(xdotool, {u"search"_s, u"--onlyvisible"_s, u"--class"_s, u'^' + wmClass + u'$'})
                          .trimmed();
         return !m_windowId.isEmpty();
     })) << "no window of "
@@ -29,23 +29,22 @@ Terminal::Terminal(const QString& wmClass, const QString& title)
 }
 
 void Terminal::activate() const {
-    outputOf(xdotool, {QStringLiteral("windowactivate"), QStringLiteral("--sync"), m_windowId});
+    outputOf(xdotool, {u"windowactivate"_s, u"--sync"_s, m_windowId});
 }
 
 void Terminal::setTitle(const QString& title) const {
-    outputOf(QStringLiteral("xprop"),
-             {QStringLiteral("-id"), m_windowId, QStringLiteral("-f"), QStringLiteral("_NET_WM_NAME"),
-              QStringLiteral("8u"), QStringLiteral("-set"), QStringLiteral("_NET_WM_NAME"), title});
+    outputOf(u"xprop"_s, {u"-id"_s, m_windowId, u"-f"_s, u"_NET_WM_NAME"_s, u"8u"_s, u"-set"_s,
+                          u"_NET_WM_NAME"_s, title});
 }
 
 void moveMouse(int x, int y) {
-    outputOf(xdotool, {QStringLiteral("mousemove"), QString::number(x), QString::number(y)});
+    outputOf(xdotool, {u"mousemove"_s, QString::number(x), QString::number(y)});
 }
 
 void installDesktopEntry(const QString& id, const QString& content) {
-    const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/applications");
+    const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + u"/applications"_s;
     QDir().mkpath(folder);
-    QFile file(folder + u'/' + id + QStringLiteral(".desktop"));
+    QFile file(folder + u'/' + id + u".desktop"_s);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("[Desktop Entry]\nType=Application\n" + content.toUtf8());
 }

@@ -12,9 +12,11 @@
 
 namespace kestu::test {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString mockInterface = QStringLiteral("org.freedesktop.DBus.Mock");
+const QString mockInterface = u"org.freedesktop.DBus.Mock"_s;
 
 } // namespace
 
@@ -29,12 +31,11 @@ QVariantList MockObject::call(const QString& interface, const QString& method,
 
 void MockObject::answer(const QString& interface, const QString& method, const QString& outSignature,
                         const QString& code, const QString& inSignature) const {
-    call(mockInterface, QStringLiteral("AddMethod"), {interface, method, inSignature, outSignature, code});
+    call(mockInterface, u"AddMethod"_s, {interface, method, inSignature, outSignature, code});
 }
 
 void MockObject::announce(const QString& interface, const QString& signal, bool value) const {
-    call(mockInterface, QStringLiteral("EmitSignal"),
-         {interface, signal, QStringLiteral("b"), QVariant(QVariantList{value})});
+    call(mockInterface, u"EmitSignal"_s, {interface, signal, u"b"_s, QVariant(QVariantList{value})});
 }
 
 void MockObject::sendSignal(int signal) const {

@@ -11,10 +11,11 @@
 
 namespace kestu::test {
 
+using namespace Qt::StringLiterals;
+
 PrivateBus::PrivateBus() {
     m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                   QStringLiteral("--print-address")});
+    m_daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
     if (m_daemon.waitForReadyRead(20000)) {
         m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
     }
@@ -43,14 +44,13 @@ QDBusConnection PrivateBus::connect() {
 void PrivateBus::startMock(const QStringList& arguments, const QString& service) {
     auto mock = std::make_unique<QProcess>();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_address);
-    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), m_address);
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_address);
+    environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_address);
     mock->setProcessEnvironment(environment);
     mock->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     mock->setStandardOutputFile(QProcess::nullDevice());
     // The system's own Python: the mocks come from a Debian package.
-    mock->start(QStringLiteral("/usr/bin/python3"),
-                QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock")} + arguments);
+    mock->start(u"/usr/bin/python3"_s, QStringList{u"-m"_s, u"dbusmock"_s} + arguments);
     m_mocks.push_back(std::move(mock));
     waitForService(service);
 }

@@ -5,10 +5,12 @@
 
 namespace kestu::test {
 
+using namespace Qt::StringLiterals;
+
 StoreProcess::StoreProcess(const QString& databasePath, User user) {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QStringLiteral(KESTU_STORE_PROCESS),
-                    {databasePath, user == User::stranger ? QStringLiteral("stranger") : QString()});
+                    {databasePath, user == User::stranger ? u"stranger"_s : QString()});
     m_greeting = readLine();
 }
 

@@ -13,6 +13,8 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 void say(const std::string& line) {
     std::cout << line << std::endl; // flushed: who waits for it stands at the other end of a pipe
 }
@@ -26,7 +28,7 @@ bool becomeStranger() {
 
 [[noreturn]] void record(Repository& repository) {
     const ActivityId id = repository.insertActivity(
-        {.bundleId = QStringLiteral("writer"), .appName = {}, .title = {}, .url = {}}, instantAt(0));
+        {.bundleId = u"writer"_s, .appName = {}, .title = {}, .url = {}}, instantAt(0));
     for (long end = 1;; ++end) {
         repository.extendActivity(id, instantAt(static_cast<double>(end)));
         say(std::to_string(end));
