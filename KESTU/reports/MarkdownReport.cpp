@@ -110,7 +110,7 @@ private:
     void overview() {
         const qint64 recordedDays = countRecordedDays();
         const auto unassigned =
-            std::ranges::find(m_projects, std::nullopt, &ProjectTotals::value_type::first);
+            std::ranges::find(m_projects, std::optional<ProjectId>(), &ProjectTotals::value_type::first);
         const double unassignedSeconds = unassigned == m_projects.end() ? 0 : unassigned->second;
         line(QStringLiteral("## 概要"));
         line(QStringLiteral("- 期間：%1（%2日間、記録のある日 %3日）")
