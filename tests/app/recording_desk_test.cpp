@@ -6,7 +6,7 @@
 #include "platform/linux/LinuxPlatform.h"
 #include "storage/RepositoryOpener.h"
 #include "support/Desk.h"
-#include "support/MockObject.h"
+#include "support/MockLogin.h"
 #include "support/PrivateBus.h"
 
 #include <QTemporaryDir>
@@ -21,10 +21,6 @@ namespace {
 using test::waitUntil;
 
 constexpr int patience = 20000; // milliseconds, for a program that starts on a busy machine
-
-const QString login = QStringLiteral("org.freedesktop.login1");
-const QString loginPath = QStringLiteral("/org/freedesktop/login1");
-const QString loginManager = QStringLiteral("org.freedesktop.login1.Manager");
 
 class RecordingTest : public testing::Test {
 protected:
@@ -125,16 +121,12 @@ TEST_F(RecordingTest, EndsTheRowAtTheLastInput) {
 }
 
 TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAwake) {
-    systemBus->startMock({QStringLiteral("--template"), QStringLiteral("logind")}, login);
-    const test::MockObject manager(systemBus->connect(), login, loginPath);
-    manager.call(QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("AddSession"),
-                 {QStringLiteral("auto"), QStringLiteral("seat0"), 1000U, QStringLiteral("someone"), true});
-    const test::MockObject session(systemBus->connect(), login, loginPath + QStringLiteral("/session/auto"));
-    const auto setLocked = [&](bool locked) {
-        session.call(login + QStringLiteral(".Session"), QStringLiteral("SetLockedHint"), {locked});
-    };
-    const auto announceSleep = [&](bool begins) {
-        manager.announce(loginManager, QStringLiteral("PrepareForSleep"), begins);
+    test::MockLogin login(*systemBus);
+    login.start();
+    const auto holdersAre = [&](const QString& list) {
+        login.manager().answer(QStringLiteral("org.freedesktop.login1.Manager"),
+                               QStringLiteral("ListInhibitors"), {}, QStringLiteral("a(ssssuu)"),
+                               QStringLiteral("ret = [%1]").arg(list));
     };
     const test::Terminal window(QStringLiteral("Player"), QStringLiteral("player"));
     window.activate();
@@ -146,22 +138,20 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     tracker.start();
     ASSERT_TRUE(records());
 
-    announceSleep(true);
+    login.announceSleep(true);
     ASSERT_TRUE(waitUntil(recordsNot));
     EXPECT_NEAR((rows().back().end - systemNow()).count(), 0, 0.3);
-    setLocked(true);
-    announceSleep(false);
+    login.setLocked(QStringLiteral("auto"), true);
+    login.announceSleep(false);
     EXPECT_FALSE(waitUntil(records, 2500)) << "awake, but behind the locker";
-    setLocked(false);
+    login.setLocked(QStringLiteral("auto"), false);
     EXPECT_TRUE(waitUntil(records));
 
     const auto front = started.platform->workspace().frontmostApplication();
-    const QString holder = QStringLiteral("ret = [('idle', 'x', 'y', 'block', 0, %1)]").arg(front->processId);
-    manager.answer(loginManager, QStringLiteral("ListInhibitors"), {}, QStringLiteral("a(ssssuu)"), holder);
+    holdersAre(QStringLiteral("('idle', 'x', 'y', 'block', 0, %1)").arg(front->processId));
     tracker.idleThreshold = Seconds{1};
     EXPECT_FALSE(waitUntil(recordsNot, 5000)) << "away, but the player keeps the display awake";
-    manager.answer(loginManager, QStringLiteral("ListInhibitors"), {}, QStringLiteral("a(ssssuu)"),
-                   QStringLiteral("ret = []"));
+    holdersAre({});
     EXPECT_TRUE(waitUntil(recordsNot));
 }
 

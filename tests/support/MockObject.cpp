@@ -27,8 +27,8 @@ QVariantList MockObject::call(const QString& interface, const QString& method,
     return reply.arguments();
 }
 
-void MockObject::answer(const QString& interface, const QString& method, const QString& inSignature,
-                        const QString& outSignature, const QString& code) const {
+void MockObject::answer(const QString& interface, const QString& method, const QString& outSignature,
+                        const QString& code, const QString& inSignature) const {
     call(mockInterface, QStringLiteral("AddMethod"), {interface, method, inSignature, outSignature, code});
 }
 

@@ -20,11 +20,12 @@ public:
         , m_path(std::move(path)) {}
 
     /// Calls a method of the object or of the mock's own interface; a failing call fails the test.
-    QVariantList call(const QString& interface, const QString& method, const QVariantList& arguments) const;
+    QVariantList call(const QString& interface, const QString& method,
+                      const QVariantList& arguments = {}) const;
 
     /// From now on `method` runs `code` (Python that sets `ret`).
-    void answer(const QString& interface, const QString& method, const QString& inSignature,
-                const QString& outSignature, const QString& code) const;
+    void answer(const QString& interface, const QString& method, const QString& outSignature,
+                const QString& code, const QString& inSignature = {}) const;
 
     void announce(const QString& interface, const QString& signal, bool value) const;
 

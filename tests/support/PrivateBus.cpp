@@ -15,7 +15,7 @@ PrivateBus::PrivateBus() {
     m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
                                                    QStringLiteral("--print-address")});
-    if (m_daemon.waitForReadyRead(5000)) {
+    if (m_daemon.waitForReadyRead(20000)) {
         m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
     }
     if (m_address.isEmpty()) {
@@ -57,9 +57,8 @@ void PrivateBus::startMock(const QStringList& arguments, const QString& service)
 
 void PrivateBus::waitForService(const QString& service) {
     const QDBusConnection bus = connect();
-    const bool there =
-        waitUntil([&] { return bus.interface()->isServiceRegistered(service).value(); }, 10000);
-    EXPECT_TRUE(there) << service.toStdString() << " did not appear";
+    EXPECT_TRUE(waitUntil([&] { return bus.interface()->isServiceRegistered(service).value(); }))
+        << service.toStdString() << " did not appear";
 }
 
 bool waitUntil(const std::function<bool()>& condition, int milliseconds) {

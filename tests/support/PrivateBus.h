@@ -39,6 +39,6 @@ private:
 };
 
 /// Runs the event loop until `condition` holds; false after `milliseconds`.
-bool waitUntil(const std::function<bool()>& condition, int milliseconds = 5000);
+bool waitUntil(const std::function<bool()>& condition, int milliseconds = 20000);
 
 } // namespace kestu::test

@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A made-up accessibility bus: `desk` is its launcher and registry, `program FILE` one program on it.
 
-FILE describes the program's windows as JSON and is read again with every question, so that a test changes
-the program by writing it: [{"name", "active", "page": {attribute: value}, "looks"}]. The page is found only
-after it was looked for in vain `looks` times. SESSION and ACCESSIBILITY in the environment are the buses' addresses.
+FILE describes the program's windows, one a line, and is read again with every question, so that a test changes
+the program by writing it: NAME|ATTRIBUTE|VALUE|LOOKS, with a * before the active one. The window's page has that
+attribute, and is found only after it was looked for in vain LOOKS times. A window that is only a name has no
+page. SESSION and ACCESSIBILITY in the environment are the buses' addresses.
 """
 
-import json
 import os
 import sys
 
@@ -77,7 +77,7 @@ class Program(dbus.service.Object):
 
     def windows(self):
         with open(self.file, encoding="utf-8") as description:
-            windows = json.load(description)
+            windows = [(line.rstrip("\n") + "|||").split("|")[:4] for line in description]
         while len(self.objects) < len(windows):
             self.objects.append(Window(self, len(self.objects)))
         return windows
@@ -102,14 +102,14 @@ class Window(dbus.service.Object):
 
     @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
     def Get(self, interface, name):
-        return self.description()["name"]
+        return self.description()[0].removeprefix("*")
 
     @dbus.service.method("org.a11y.atspi.Accessible", out_signature="au")
     def GetState(self):
         # As one browser does: no window is marked as long as nobody listens.
         listening = self.program.bus.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY,
                                                    "IsListening", "", ())
-        active = self.description().get("active", False) and listening
+        active = self.description()[0].startswith("*") and listening
         return dbus.Array([(1 << ACTIVE if active else 0) | (1 << SHOWING), 0], signature="u")
 
     @dbus.service.method("org.a11y.atspi.Collection", in_signature="(aiia{ss}iaiiasib)uib",
@@ -117,17 +117,17 @@ class Window(dbus.service.Object):
     def GetMatches(self, rule, order, count, traverse):
         states, roles = (sum((word & 0xFFFFFFFF) << 32 * i for i, word in enumerate(rule[part]))
                          for part in (0, 4))
-        description = self.description()
-        page = json.dumps(description.get("page"))
-        self.looks[page] = self.looks.get(page, 0) + 1
+        _, attribute, value, looks = self.description()
+        self.looks[value] = self.looks.get(value, 0) + 1
         found = (states == 1 << SHOWING and roles == 1 << WEB_DOCUMENT and traverse and not rule[8]
-                 and "page" in description and self.looks[page] > description.get("looks", 0))
+                 and attribute and self.looks[value] > int(looks or 0))
         return dbus.Array([(self.program.bus.get_unique_name(), f"/{self.index}")] if found else [],
                           signature="(so)")
 
     @dbus.service.method("org.a11y.atspi.Document", out_signature="a{ss}")
     def GetAttributes(self):
-        return dbus.Dictionary(self.description()["page"], signature="ss")
+        _, attribute, value, _ = self.description()
+        return dbus.Dictionary({attribute: value}, signature="ss")
 
 
 def main():
@@ -142,7 +142,7 @@ def main():
     else:
         kept = [Program(accessibility, sys.argv[2])]
         accessibility.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY, "Embed", "o", (ROOT,))
-    print("ready", flush=True)
+    print("ready", file=sys.stderr, flush=True)
     loop.run()
     del kept
 

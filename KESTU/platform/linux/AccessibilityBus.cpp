@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kSwitchPatience = 300ms;
+constexpr auto switchPatience = 300ms;
 
 QDBusMessage launcherMessage(const QString& interface, const QString& method, const QVariantList& arguments) {
     QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
@@ -47,7 +47,7 @@ AccessibilityBus::~AccessibilityBus() {
 bool AccessibilityBus::isEnabled() {
     try {
         const QDBusMessage reply =
-            m_session.ask(switchMessage(QStringLiteral("Get")), QDeadlineTimer(kSwitchPatience));
+            m_session.ask(switchMessage(QStringLiteral("Get")), QDeadlineTimer(switchPatience));
         return reply.type() == QDBusMessage::ReplyMessage && reply.signature() == u"v" &&
                reply.arguments().first().value<QDBusVariant>().variant().toBool();
     } catch (const NoAnswer&) {
@@ -58,7 +58,7 @@ bool AccessibilityBus::isEnabled() {
 bool AccessibilityBus::enable() {
     const QVariant on = QVariant::fromValue(QDBusVariant(true));
     try {
-        return m_session.ask(switchMessage(QStringLiteral("Set"), {on}), QDeadlineTimer(kSwitchPatience))
+        return m_session.ask(switchMessage(QStringLiteral("Set"), {on}), QDeadlineTimer(switchPatience))
                    .type() == QDBusMessage::ReplyMessage;
     } catch (const NoAnswer&) {
         return false;

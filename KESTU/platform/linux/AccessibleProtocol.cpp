@@ -14,12 +14,12 @@ namespace kestu {
 namespace {
 
 // Numbers of the protocol.
-constexpr unsigned kStateActive = 1;
-constexpr unsigned kStateShowing = 25;
-constexpr unsigned kRoleWebDocument = 95;
-constexpr qint32 kMatchAll = 1;
-constexpr qint32 kMatchAny = 2;
-constexpr quint32 kDocumentOrder = 1;
+constexpr unsigned stateActive = 1;
+constexpr unsigned stateShowing = 25;
+constexpr unsigned roleWebDocument = 95;
+constexpr qint32 matchAll = 1;
+constexpr qint32 matchAny = 2;
+constexpr quint32 documentOrder = 1;
 
 /// States and roles travel as bits in words of 32.
 QList<qint32> bitSet(unsigned bit, unsigned words) {
@@ -35,10 +35,10 @@ struct ShownWebDocument {};
 
 QDBusArgument& operator<<(QDBusArgument& argument, const ShownWebDocument&) {
     argument.beginStructure();
-    argument << bitSet(kStateShowing, 2) << kMatchAll;
-    argument << QMap<QString, QString>() << kMatchAll;
-    argument << bitSet(kRoleWebDocument, 4) << kMatchAny;
-    argument << QStringList() << kMatchAll;
+    argument << bitSet(stateShowing, 2) << matchAll;
+    argument << QMap<QString, QString>() << matchAll;
+    argument << bitSet(roleWebDocument, 4) << matchAny;
+    argument << QStringList() << matchAll;
     argument << false; // do not invert
     argument.endStructure();
     return argument;
@@ -121,14 +121,13 @@ QDBusMessage statesQuestion(const Accessible& object) {
 
 QDBusMessage shownPageQuestion(const Accessible& window) {
     qDBusRegisterMetaType<ShownWebDocument>();
-    constexpr qint32 only_the_first = 1;
-    constexpr bool below_children = true; // without it browsers find nothing
-    return question(
-        {.service = window.service,
-         .path = window.path,
-         .interface = QStringLiteral("org.a11y.atspi.Collection"),
-         .method = QStringLiteral("GetMatches")},
-        {QVariant::fromValue(ShownWebDocument()), kDocumentOrder, only_the_first, below_children});
+    constexpr qint32 onlyTheFirst = 1;
+    constexpr bool belowChildren = true; // without it browsers find nothing
+    return question({.service = window.service,
+                     .path = window.path,
+                     .interface = QStringLiteral("org.a11y.atspi.Collection"),
+                     .method = QStringLiteral("GetMatches")},
+                    {QVariant::fromValue(ShownWebDocument()), documentOrder, onlyTheFirst, belowChildren});
 }
 
 QDBusMessage documentAttributesQuestion(const Accessible& document) {
@@ -164,7 +163,7 @@ bool readIsActive(const QDBusMessage& reply) {
         return false;
     }
     const auto words = qdbus_cast<QList<quint32>>(reply.arguments().first());
-    return !words.isEmpty() && (words.first() >> kStateActive & 1U) == 1U;
+    return !words.isEmpty() && (words.first() >> stateActive & 1U) == 1U;
 }
 
 QMap<QString, QString> readAttributes(const QDBusMessage& reply) {

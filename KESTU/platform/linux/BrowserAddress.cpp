@@ -16,9 +16,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kWhole = 1s;
-constexpr auto kBetweenLooks = 50ms;
-constexpr std::size_t kMostAcquaintances = 16;
+constexpr auto wholeWait = 1s;
+constexpr auto betweenLooks = 50ms;
+constexpr std::size_t mostAcquaintances = 16;
 
 struct Window {
     Accessible object;
@@ -90,7 +90,7 @@ std::optional<QString> BrowserAddress::run(const AddressRequest& request) {
     if (request.processId <= 0 || request.processId == QCoreApplication::applicationPid()) {
         return std::nullopt;
     }
-    const QDeadlineTimer deadline(kWhole);
+    const QDeadlineTimer deadline(wholeWait);
     switchOn();
     if (isPrivateWindow(request.title)) {
         return std::nullopt;
@@ -118,7 +118,7 @@ QString BrowserAddress::waitForAddress(const AddressRequest& request, bool mayWa
         Sight sight = lookAt(request, deadline);
         while (mayWait && !sight.isPrivate && sight.address.isEmpty() && !deadline.hasExpired()) {
             std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(
-                kBetweenLooks, std::chrono::nanoseconds(deadline.remainingTimeNSecs())));
+                betweenLooks, std::chrono::nanoseconds(deadline.remainingTimeNSecs())));
             sight = lookAt(request, deadline);
         }
         return sight.address;
@@ -156,7 +156,7 @@ BrowserAddress::Acquaintance& BrowserAddress::acquaintance(std::int64_t processI
     if (known != m_acquaintances.end()) {
         return *known;
     }
-    if (m_acquaintances.size() == kMostAcquaintances) {
+    if (m_acquaintances.size() == mostAcquaintances) {
         m_acquaintances.pop_front();
     }
     return m_acquaintances.emplace_back(Acquaintance{.processId = processId});

@@ -10,8 +10,8 @@ namespace kestu {
 namespace {
 
 // Milliseconds that a program may think: what a window's title may cost as well.
-constexpr qint64 kPatience = 300;
-constexpr int kForever = std::numeric_limits<int>::max();
+constexpr qint64 patience = 300;
+constexpr int forever = std::numeric_limits<int>::max();
 
 } // namespace
 
@@ -24,7 +24,7 @@ QList<QDBusMessage> BusQuestions::askAll(const QList<QDBusMessage>& questions,
     if (deadline.hasExpired() || std::any_of(questions.begin(), questions.end(), owes)) {
         throw NoAnswer();
     }
-    const int milliseconds = static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 1, kPatience));
+    const int milliseconds = static_cast<int>(std::clamp<qint64>(deadline.remainingTime(), 1, patience));
     QList<QDBusPendingCall> calls;
     for (const QDBusMessage& question : questions) {
         calls << m_bus.asyncCall(question, milliseconds);
@@ -36,7 +36,7 @@ QList<QDBusMessage> BusQuestions::askAll(const QList<QDBusMessage>& questions,
             // Qt forgets a question whose time is over. The same one, asked without an end, tells later that
             // the program has come back: its answer, or the error when the program is gone.
             const QDBusMessage& question = questions.at(replies.size());
-            m_owed.insert_or_assign(question.service(), m_bus.asyncCall(question, kForever));
+            m_owed.insert_or_assign(question.service(), m_bus.asyncCall(question, forever));
             throw NoAnswer();
         }
         replies << call.reply();

@@ -20,8 +20,8 @@ namespace {
 // and marks a private window (and a guest's, which keeps no history either) by words around that name, in
 // the user's language. So not the words are listed but the names that may stand there alone; what has more
 // than that is private, in languages that nobody here thought of too.
-constexpr std::array kMakers{u"Firefox", u"Chromium", u"Chrome", u"Edge", u"Brave", u"Vivaldi"};
-constexpr std::array kPlainNames{
+constexpr std::array makers{u"Firefox", u"Chromium", u"Chrome", u"Edge", u"Brave", u"Vivaldi"};
+constexpr std::array plainNames{
     u"Firefox",
     u"Mozilla Firefox",
     u"Firefox Beta",
@@ -47,7 +47,7 @@ constexpr std::array kPlainNames{
 };
 
 // Some put the mark before their name, as a part of its own: "Page - [InPrivate] - Microsoft Edge".
-constexpr std::array kMarks{
+constexpr std::array marks{
     u"InPrivate",
     u"Incognito",
     u"Private",
@@ -75,7 +75,7 @@ bool isMark(const QString& part) {
     if (words.startsWith(u'[') && words.endsWith(u']')) {
         words = words.mid(1, words.size() - 2);
     }
-    return std::any_of(kMarks.begin(), kMarks.end(),
+    return std::any_of(marks.begin(), marks.end(),
                        [words](QStringView mark) { return words.compare(mark, Qt::CaseInsensitive) == 0; });
 }
 
@@ -83,8 +83,8 @@ bool isMarkedBrowserName(const QString& part) {
     const QStringView name = QStringView(part).trimmed();
     const auto names = [name](QStringView maker) { return name.contains(maker); };
     const auto equals = [name](QStringView plain) { return name.compare(plain, Qt::CaseInsensitive) == 0; };
-    return std::any_of(kMakers.begin(), kMakers.end(), names) &&
-           std::none_of(kPlainNames.begin(), kPlainNames.end(), equals);
+    return std::any_of(makers.begin(), makers.end(), names) &&
+           std::none_of(plainNames.begin(), plainNames.end(), equals);
 }
 
 } // namespace

@@ -1,25 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/AutostartEntry.h"
 
-#include "platform/PlatformError.h"
 #include "support/Files.h"
+#include "support/Reason.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
 using test::contentsOf;
 using test::putFile;
 
 class AutostartEntryTest : public testing::Test {
 protected:
     QTemporaryDir m_home;
-    QString m_folder = m_home.filePath(QStringLiteral("autostart"));
-    QString m_file = m_folder + QStringLiteral("/kestu.desktop");
-    AutostartEntry m_entry{m_folder, QStringLiteral("/opt/100% me/kestu")};
+    QString m_file = m_home.filePath(u"autostart/kestu.desktop"_s);
+    AutostartEntry m_entry{m_home.filePath(u"autostart"_s), u"/opt/100% me/kestu"_s};
 };
 
 TEST_F(AutostartEntryTest, IsEnabledAsLongAsItsFileIsThereAndValid) {
@@ -33,28 +34,25 @@ TEST_F(AutostartEntryTest, IsEnabledAsLongAsItsFileIsThereAndValid) {
 }
 
 TEST_F(AutostartEntryTest, ObeysAnEditedFileAndIsEnabledAgainOverIt) {
-    const struct {
-        const char* edit;
-        bool isEnabled;
-    } rows[] = {
+    const std::pair<const char*, bool> rows[] = {
         {"[Desktop Entry]\nExec=kestu\nHidden=true\n", false},
         {"[Desktop Entry]\nExec=kestu\nX-GNOME-Autostart-enabled = false\n", false},
         {"[Desktop Entry]\nExec=kestu\n#Hidden=true\n[Other]\nHidden=true\n", true},
         {"[Desktop Entry]\nExec=kestu\nHidden=false\n", true},
         {"", false},
     };
-    for (const auto& row : rows) {
-        putFile(m_file, row.edit);
-        EXPECT_EQ(m_entry.isEnabled(), row.isEnabled) << row.edit;
+    for (const auto& [edit, isEnabled] : rows) {
+        putFile(m_file, edit);
+        EXPECT_EQ(m_entry.isEnabled(), isEnabled) << edit;
         m_entry.enable();
-        EXPECT_TRUE(m_entry.isEnabled()) << row.edit;
+        EXPECT_TRUE(m_entry.isEnabled()) << edit;
     }
 }
 
 TEST_F(AutostartEntryTest, TakesALinkAwayAndLeavesItsTargetAlone) {
-    const QString target = m_home.filePath(QStringLiteral("elsewhere"));
-    for (const QString& linked : {QStringLiteral("/dev/null"), target}) {
-        putFile(target, "untouched");
+    const QString target = m_home.filePath(u"elsewhere"_s);
+    putFile(target, "untouched");
+    for (const QString& linked : {u"/dev/null"_s, target}) {
         putFile(m_file, "");
         QFile::remove(m_file);
         ASSERT_TRUE(QFile::link(linked, m_file));
@@ -67,21 +65,11 @@ TEST_F(AutostartEntryTest, TakesALinkAwayAndLeavesItsTargetAlone) {
 }
 
 TEST_F(AutostartEntryTest, SaysWhyItCouldNotBeChanged) {
-    putFile(m_file + QStringLiteral("/in-the-way"), "");
-    const auto reasonOf = [&](void (AutostartEntry::*change)()) {
-        try {
-            (m_entry.*change)();
-        } catch (const PlatformError& error) {
-            return error.description();
-        }
-        return QString();
-    };
-    const QString enabling = QStringLiteral("自動起動の項目を書き込めませんでした：");
-    const QString disabling = QStringLiteral("自動起動の項目を削除できませんでした：");
-    EXPECT_TRUE(reasonOf(&AutostartEntry::enable).startsWith(enabling));
-    EXPECT_GT(reasonOf(&AutostartEntry::enable).size(), enabling.size());
-    EXPECT_TRUE(reasonOf(&AutostartEntry::disable).startsWith(disabling));
-    EXPECT_GT(reasonOf(&AutostartEntry::disable).size(), disabling.size());
+    putFile(m_file + u"/in-the-way"_s, "");
+    EXPECT_THAT(test::reasonOf([&] { m_entry.enable(); }),
+                testing::MatchesRegex("自動起動の項目を書き込めませんでした：.+"));
+    EXPECT_THAT(test::reasonOf([&] { m_entry.disable(); }),
+                testing::MatchesRegex("自動起動の項目を削除できませんでした：.+"));
 }
 
 } // namespace

@@ -1,67 +1,57 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Real browsers on a private desk, without a way to the outside: they see only a web server of the test's.
+// Real browsers on a private desk, without any network: they see only files of the test's.
 #include "platform/linux/BrowserAddress.h"
 
+#include "support/Files.h"
+#include "support/MockObject.h"
 #include "support/PrivateBus.h"
+#include "support/Program.h"
 
 #include <QCoreApplication>
 #include <QDBusVariant>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTextStream>
-
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <memory>
+#include <list>
 #include <sched.h>
-#include <vector>
 
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+using test::Program;
 using test::waitUntil;
 
-constexpr int kStartUp = 40000; // milliseconds for a browser's first window, on a slow machine
+constexpr int startUp = 40000; // milliseconds for a browser's first window, on a slow machine
 
-struct Program {
+struct Browser {
     const char* name;
     QString bundleId;
-    QString command;
-    QStringList arguments; // "PROFILE" stands for the folder of its profile
+    QString command; // %1 stands for the folder of its profile
     QString privateArgument;
     bool joinsWhileRunning; // the others must be started with the accessibility bus switched on
 };
 
-const Program kPrograms[] = {
+const Browser browsers[] = {
     {.name = "Firefox",
-     .bundleId = QStringLiteral("org.mozilla.firefox"),
-     .command = QStringLiteral("firefox-esr"),
-     .arguments = {QStringLiteral("--profile"), QStringLiteral("PROFILE")},
-     .privateArgument = QStringLiteral("--private-window"),
+     .bundleId = u"org.mozilla.firefox"_s,
+     .command = u"firefox-esr --profile %1"_s,
+     .privateArgument = u"--private-window"_s,
      .joinsWhileRunning = true},
     {.name = "Chromium",
-     .bundleId = QStringLiteral("org.chromium.Chromium"),
-     .command = QStringLiteral("chromium"),
-     .arguments = {QStringLiteral("--user-data-dir=PROFILE"),
-                   QStringLiteral("--force-renderer-accessibility"), QStringLiteral("--no-sandbox"),
-                   QStringLiteral("--test-type"), QStringLiteral("--no-first-run"),
-                   QStringLiteral("--no-default-browser-check"), QStringLiteral("--disable-gpu"),
-                   QStringLiteral("--disable-quic"), QStringLiteral("--disable-sync"),
-                   QStringLiteral("--disable-component-update"),
-                   QStringLiteral("--disable-background-networking"),
-                   QStringLiteral("--password-store=basic")},
-     .privateArgument = QStringLiteral("--incognito"),
+     .bundleId = u"org.chromium.Chromium"_s,
+     .command = u"chromium --user-data-dir=%1 --force-renderer-accessibility --no-sandbox --test-type "
+                "--no-first-run --no-default-browser-check --disable-gpu --disable-quic --disable-sync "
+                "--disable-component-update --disable-background-networking --password-store=basic"_s,
+     .privateArgument = u"--incognito"_s,
      .joinsWhileRunning = false},
 };
 
 // No first-run pages.
-constexpr auto kFirefoxPreferences = R"(
+constexpr auto firefoxPreferences = R"(
 user_pref("browser.aboutwelcome.enabled", false);
 user_pref("browser.preonboarding.enabled", false);
 user_pref("browser.sessionstore.resume_from_crash", false);
@@ -71,197 +61,133 @@ user_pref("datareporting.policy.dataSubmissionEnabled", false);
 user_pref("termsofuse.bypassNotification", true);
 )";
 
-void write(const QString& path, const QByteArray& content) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-/// What a tool on the desk prints.
-QString told(const QString& tool, const QStringList& arguments) {
-    QProcess process;
-    process.start(tool, arguments);
-    process.waitForFinished();
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
-}
-
 QString titleInFront() {
-    return told(QStringLiteral("xdotool"),
-                {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")});
+    return test::outputOf(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).trimmed();
 }
 
-class RealBrowserTest : public ::testing::TestWithParam<Program> {
-public:
+class RealBrowserTest : public testing::TestWithParam<Browser> {
+protected:
+    /// The desktop's switch stands where this browser meets it in the worst case.
     RealBrowserTest() {
-        write(m_folder.filePath(QStringLiteral("first.html")), "<title>First</title><h1>First</h1>");
-        write(m_folder.filePath(QStringLiteral("second.html")), "<title>Second</title><h1>Second</h1>");
-        m_server.start(QStringLiteral("/usr/bin/python3"),
-                       {QStringLiteral("-u"), QStringLiteral("-m"), QStringLiteral("http.server"),
-                        QStringLiteral("0"), QStringLiteral("--bind"), QStringLiteral("127.0.0.1"),
-                        QStringLiteral("--directory"), m_folder.path()});
-        EXPECT_TRUE(m_server.waitForReadyRead(20000));
-        const auto port = QRegularExpression(QStringLiteral("port (\\d+)"))
-                              .match(QString::fromUtf8(m_server.readAllStandardOutput()));
-        m_site = QStringLiteral("http://127.0.0.1:%1/").arg(port.captured(1));
+        test::putFile(m_folder.filePath(u"first.html"_s), "<title>First</title><h1>First</h1>");
+        test::putFile(m_folder.filePath(u"second.html"_s), "<title>Second</title><h1>Second</h1>");
+        test::putFile(m_folder.filePath(u"profile/user.js"_s), firefoxPreferences);
+        const bool isOn = !GetParam().joinsWhileRunning;
+        const test::MockObject launcher(QDBusConnection::sessionBus(), u"org.a11y.Bus"_s, u"/org/a11y/bus"_s);
+        launcher.call(u"org.freedesktop.DBus.Properties"_s, u"Set"_s,
+                      {u"org.a11y.Status"_s, u"IsEnabled"_s, QVariant::fromValue(QDBusVariant(isOn))});
+        EXPECT_EQ(m_bus.isEnabled(), isOn);
     }
 
+    /// By the browser's own way out: else its helpers go on writing into the folder.
     ~RealBrowserTest() override {
-        for (const auto& browser : m_browsers) {
-            if (browser->state() == QProcess::NotRunning) {
-                continue; // it only passed its page on to the first one
-            }
-            kill(static_cast<pid_t>(browser->processId()), SIGCONT);
-            browser->terminate();
-            if (!browser->waitForFinished(5000)) {
-                browser->kill();
-                browser->waitForFinished();
+        for (Program& browser : m_programs) {
+            if (browser.isRunning()) {
+                browser.send(SIGCONT);
+                browser.send(SIGTERM);
+                browser.waitForEnd(5000);
             }
         }
-        m_server.kill();
-        m_server.waitForFinished();
     }
 
-protected:
-    /// Puts the desktop's switch where this browser meets it in the worst case.
-    void setSwitch() {
-        QDBusMessage set = QDBusMessage::createMethodCall(
-            QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-            QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"));
-        set << QStringLiteral("org.a11y.Status") << QStringLiteral("IsEnabled")
-            << QVariant::fromValue(QDBusVariant(!GetParam().joinsWhileRunning));
-        ASSERT_EQ(QDBusConnection::sessionBus().call(set).type(), QDBusMessage::ReplyMessage);
-        ASSERT_EQ(m_bus.isEnabled(), !GetParam().joinsWhileRunning);
+    /// Only the first one of a test stays; later ones pass their page on to it.
+    Program& open(const QStringList& arguments) {
+        QStringList command = GetParam().command.arg(m_folder.filePath(u"profile"_s)).split(u' ');
+        const QString program = command.takeFirst();
+        return m_programs.emplace_back(program, command + arguments);
     }
 
-    QProcess& open(const QStringList& arguments) {
-        const QString profile = m_folder.filePath(QStringLiteral("profile"));
-        QDir().mkpath(profile);
-        write(profile + QStringLiteral("/user.js"), kFirefoxPreferences);
-        QStringList all = GetParam().arguments;
-        all.replaceInStrings(QStringLiteral("PROFILE"), profile);
-        m_browsers.push_back(std::make_unique<QProcess>());
-        m_browsers.back()->setStandardOutputFile(QProcess::nullDevice());
-        m_browsers.back()->setStandardErrorFile(QProcess::nullDevice());
-        m_browsers.back()->start(GetParam().command, all + arguments);
-        EXPECT_TRUE(m_browsers.back()->waitForStarted());
-        return *m_browsers.back();
-    }
-
-    void waitForTitle(const QString& title) {
-        ASSERT_TRUE(waitUntil([&] { return titleInFront().contains(title); }, kStartUp))
+    static void waitForTitle(const QString& title) {
+        ASSERT_TRUE(waitUntil([&] { return titleInFront().contains(title); }, startUp))
             << "in front: " << titleInFront().toStdString();
     }
 
     /// What run() gives, "" for nothing; how long it took is in m_milliseconds.
-    QString ask(const QProcess& browser, const QString& title) {
+    QString ask(const Program& browser, const QString& title) {
         QElapsedTimer timer;
         timer.start();
-        const auto address = m_browserAddress.run({.source = {},
-                                                   .bundleId = GetParam().bundleId,
-                                                   .title = title,
-                                                   .processId = browser.processId()});
+        const auto address = m_browserAddress.run(
+            {.source = {}, .bundleId = GetParam().bundleId, .title = title, .processId = browser.pid()});
         m_milliseconds = timer.elapsed();
         return address.value_or(QString());
     }
 
+    /// Whether the bus itself would tell it of the browser's first window, private or not.
+    bool isOnTheBus(const QString& address, const Program& browser) {
+        using namespace accessible;
+        const QDeadlineTimer deadline(1000);
+        const auto firstOf = [&](const QDBusMessage& question) {
+            const QList<Accessible> objects = readAccessibles(m_bus.ask(question, deadline));
+            return objects.isEmpty() ? throw NoAnswer() : objects.first();
+        };
+        try {
+            const auto program = m_bus.program(browser.pid(), deadline);
+            const Accessible window = firstOf(childrenQuestion(program.value()));
+            const Accessible page = firstOf(shownPageQuestion(window));
+            const auto attributes = readAttributes(m_bus.ask(documentAttributesQuestion(page), deadline));
+            return attributes.values().contains(address);
+        } catch (const std::exception&) {
+            return false; // not yet
+        }
+    }
+
     QTemporaryDir m_folder;
-    QProcess m_server;
-    QString m_site;
-    std::vector<std::unique_ptr<QProcess>> m_browsers;
+    const QString m_first = u"file://"_s + m_folder.filePath(u"first.html"_s);
+    const QString m_second = u"file://"_s + m_folder.filePath(u"second.html"_s);
+    std::list<Program> m_programs;
     AccessibilityBus m_bus{QDBusConnection::sessionBus()};
     BrowserAddress m_browserAddress{m_bus};
     qint64 m_milliseconds = 0;
 };
 
 TEST_P(RealBrowserTest, GivesTheAddressInFrontAndStopsNobodyWhenItHangs) {
-    const QString first = m_site + QStringLiteral("first.html");
-    const QString second = m_site + QStringLiteral("second.html");
-    setSwitch();
-    QProcess& browser = open({first});
-    waitForTitle(QStringLiteral("First"));
-
-    QElapsedTimer sinceFirstQuestion;
-    sinceFirstQuestion.start();
-    ASSERT_TRUE(waitUntil([&] { return ask(browser, titleInFront()) == first; }, kStartUp));
+    const Program& browser = open({m_first});
+    waitForTitle(u"First"_s);
+    ASSERT_TRUE(waitUntil([&] { return ask(browser, titleInFront()) == m_first; }, startUp));
     EXPECT_TRUE(m_bus.isEnabled());
-    QTextStream(stdout) << GetParam().name << ": address " << sinceFirstQuestion.elapsed()
-                        << " ms after the first question\n";
 
     // A second window: the title is withheld, so that only the browser's own mark can tell which is in front.
-    open({QStringLiteral("--new-window"), second});
-    waitForTitle(QStringLiteral("Second"));
-    EXPECT_TRUE(waitUntil([&] { return ask(browser, QString()) == second; }));
-    QTextStream(stdout) << GetParam().name << ": a question takes " << m_milliseconds << " ms\n";
-    told(QStringLiteral("xdotool"),
-         {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
-          QStringLiteral("^First "), QStringLiteral("windowactivate")});
-    waitForTitle(QStringLiteral("First"));
-    EXPECT_TRUE(waitUntil([&] { return ask(browser, QString()) == first; }));
+    open({u"--new-window"_s, m_second});
+    waitForTitle(u"Second"_s);
+    EXPECT_TRUE(waitUntil([&] { return ask(browser, QString()) == m_second; }));
+    test::outputOf(u"xdotool"_s,
+                   {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^First "_s, u"windowactivate"_s});
+    waitForTitle(u"First"_s);
+    EXPECT_TRUE(waitUntil([&] { return ask(browser, QString()) == m_first; }));
 
-    ASSERT_EQ(kill(static_cast<pid_t>(browser.processId()), SIGSTOP), 0);
-    EXPECT_EQ(ask(browser, QStringLiteral("another title")), QString());
-    QTextStream(stdout) << GetParam().name << ": stopped, a question takes " << m_milliseconds << " ms\n";
+    browser.send(SIGSTOP);
+    EXPECT_EQ(ask(browser, u"another title"_s), QString());
     EXPECT_GE(m_milliseconds, 250);
     EXPECT_LT(m_milliseconds, 450);
     EXPECT_EQ(ask(browser, titleInFront()), QString());
     EXPECT_LT(m_milliseconds, 100);
-    ASSERT_EQ(kill(static_cast<pid_t>(browser.processId()), SIGCONT), 0);
-    EXPECT_TRUE(waitUntil([&] { return ask(browser, titleInFront()) == first; }));
-}
-
-/// What the bus itself would tell of the browser's first window, private or not.
-QString addressOnTheBus(AccessibilityBus& bus, const QProcess& browser) {
-    using namespace accessible;
-    const QDeadlineTimer deadline(1000);
-    try {
-        const auto program = bus.program(browser.processId(), deadline);
-        QList<Accessible> objects =
-            program ? readAccessibles(bus.ask(childrenQuestion(*program), deadline)) : QList<Accessible>();
-        for (const Accessible& window : objects) {
-            for (const Accessible& page : readAccessibles(bus.ask(shownPageQuestion(window), deadline))) {
-                const auto attributes = readAttributes(bus.ask(documentAttributesQuestion(page), deadline));
-                return attributes.value(QStringLiteral("DocURL"), attributes.value(QStringLiteral("URI")));
-            }
-        }
-    } catch (const NoAnswer&) {
-        return {};
-    }
-    return {};
+    browser.send(SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return ask(browser, titleInFront()) == m_first; }));
 }
 
 TEST_P(RealBrowserTest, KeepsTheAddressOfAPrivateWindowToItself) {
-    const QString address = m_site + QStringLiteral("first.html");
-    setSwitch();
-    QProcess& browser = open({GetParam().privateArgument, address});
+    const Program& browser = open({GetParam().privateArgument, m_first});
     // From the very first moment: there is no time at which the window is not yet known to be private.
-    QString known;
-    EXPECT_TRUE(waitUntil(
-        [&] {
-            EXPECT_EQ(ask(browser, titleInFront()), QString());
-            known = addressOnTheBus(m_bus, browser);
-            return known == address;
-        },
-        kStartUp))
-        << "the page is not on the bus, so that nothing is proved; there is: " << known.toStdString();
-    for (int i = 0; i < 20; ++i) {
+    const auto staysSilent = [&] {
         EXPECT_EQ(ask(browser, titleInFront()), QString());
+        return isOnTheBus(m_first, browser);
+    };
+    ASSERT_TRUE(waitUntil(staysSilent, startUp)) << "not on the bus, so that nothing is proved";
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_TRUE(staysSilent());
+        EXPECT_LT(m_milliseconds, 250) << "nothing to wait for";
     }
-    EXPECT_LT(m_milliseconds, 250) << "nothing to wait for";
 }
 
-INSTANTIATE_TEST_SUITE_P(, RealBrowserTest, ::testing::ValuesIn(kPrograms),
+INSTANTIATE_TEST_SUITE_P(, RealBrowserTest, testing::ValuesIn(browsers),
                          [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace
 } // namespace kestu
 
 int main(int argc, char** argv) {
-    // Away from every network but a loopback of our own. Only root may; others run with the network they
-    // have.
-    if (unshare(CLONE_NEWNET) == 0) {
-        QProcess::execute(QStringLiteral("ip"), {QStringLiteral("link"), QStringLiteral("set"),
-                                                 QStringLiteral("lo"), QStringLiteral("up")});
-    }
+    // Away from every network. Only root may; others run with the network they have.
+    (void)unshare(CLONE_NEWNET);
     const QCoreApplication application(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/PlatformError.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/DesktopOpener.h"
 #include "support/Files.h"
 #include "support/PrivateBus.h"
+#include "support/Reason.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -17,9 +17,11 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
 using test::contentsOf;
-using test::putFile;
+using test::reasonOf;
 using test::waitUntil;
+using testing::MatchesRegex;
 
 /// A home folder with applications of its own. One for the whole program: the desktop's library asks for the
 /// folders once.
@@ -31,9 +33,9 @@ protected:
         qputenv("XDG_DATA_DIRS", path("system").toUtf8());
         qputenv("XDG_CONFIG_HOME", path("config").toUtf8());
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-        qunsetenv("LANGUAGE");
-        qunsetenv("LC_ALL");
-        qunsetenv("LC_MESSAGES");
+        for (const char* language : {"LANGUAGE", "LC_ALL", "LC_MESSAGES"}) {
+            qunsetenv(language);
+        }
         addProgram("tool", "exit 0");
         QFile::link(path("bin/tool"), path("bin/link"));
         addProgram("handler", "printf '%s\\n' \"$1\" >> " + path("opened").toUtf8());
@@ -46,9 +48,9 @@ protected:
         addEntry("data/applications/removed", "Name=Removed\nHidden=true\nExec=" + tool);
         addEntry("data/applications/handler",
                  "Name=Handler\nNoDisplay=true\nExec=" + path("bin/handler").toUtf8() + " %u");
-        putFile(path("config/mimeapps.list"), "[Default Applications]\n"
-                                              "x-scheme-handler/http=handler.desktop\n"
-                                              "inode/directory=handler.desktop\n");
+        test::putFile(path("config/mimeapps.list"), "[Default Applications]\n"
+                                                    "x-scheme-handler/http=handler.desktop\n"
+                                                    "inode/directory=handler.desktop\n");
     }
 
     static void TearDownTestSuite() { s_home.reset(); }
@@ -57,104 +59,82 @@ protected:
 
     static void addProgram(const char* name, const QByteArray& commands) {
         const QString program = path("bin/") + QString::fromUtf8(name);
-        putFile(program, "#!/bin/sh\n" + commands + '\n');
+        test::putFile(program, "#!/bin/sh\n" + commands + '\n');
         QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
 
     static void addEntry(const char* place, const QByteArray& keys) {
-        putFile(path(place) + QStringLiteral(".desktop"),
-                "[Desktop Entry]\nType=Application\n" + keys + '\n');
+        test::putFile(path(place) + u".desktop"_s, "[Desktop Entry]\nType=Application\n" + keys + '\n');
     }
 
-    static std::optional<DesktopEntry> installed(const char* id) {
+    static std::optional<DesktopEntry> installed(QStringView id) {
         const auto entries = installedDesktopEntries();
-        const auto found = std::ranges::find(entries, QString::fromUtf8(id), &DesktopEntry::id);
+        const auto found = std::ranges::find(entries, id, &DesktopEntry::id);
         return found == entries.end() ? std::nullopt : std::optional(*found);
     }
 
-    static std::unique_ptr<QTemporaryDir> s_home;
+    static bool openedBecomes(const char* lastLine) {
+        return waitUntil([&] { return contentsOf(path("opened")).endsWith(lastLine); });
+    }
+
+    static inline std::unique_ptr<QTemporaryDir> s_home;
 };
 
-std::unique_ptr<QTemporaryDir> InstalledDesktop::s_home;
-
-TEST_F(InstalledDesktop, GivesEachEntryInTheLanguageOfTheProcess) {
-    const struct {
-        const char* language;
-        const char* name;
-    } rows[] = {{"ja_JP.UTF-8", "道具"}, {"C", "Tool"}};
-    for (const auto& row : rows) {
-        qputenv("LANG", row.language);
-        const auto tool = installed("tool");
-        ASSERT_TRUE(tool) << row.language;
-        EXPECT_EQ(tool->localizedName.toStdString(), row.name) << row.language;
+TEST_F(InstalledDesktop, ListsVisibleEntriesFirstInTheLanguageOfTheProcessAndResolvesTheirPrograms) {
+    using testing::Field;
+    const auto has = [](QStringView id, QStringView name, QStringView wmClass, const QString& executable) {
+        return testing::AllOf(Field("id", &DesktopEntry::id, id),
+                              Field("name", &DesktopEntry::localizedName, name),
+                              Field("class", &DesktopEntry::startupWmClass, wmClass),
+                              Field("executable", &DesktopEntry::executable, executable));
+    };
+    const auto program = [](const char* name) { return QFileInfo(path(name)).canonicalFilePath(); };
+    const std::pair<const char*, QStringView> rows[] = {{"ja_JP.UTF-8", u"道具"}, {"C", u"Tool"}};
+    for (const auto& [language, name] : rows) {
+        qputenv("LANG", language);
+        EXPECT_THAT(installedDesktopEntries(),
+                    testing::ElementsAre(has(u"texts", u"Texts", u"", QString()), // the terminal's window
+                                         has(u"tool", name, u"ToolWindow", program("bin/tool")),
+                                         has(u"a-helper", u"Helper", u"", program("bin/tool")),
+                                         has(u"handler", u"Handler", u"", program("bin/handler"))))
+            << language;
     }
 }
 
-TEST_F(InstalledDesktop, ListsVisibleEntriesFirstAndResolvesTheirPrograms) {
-    const auto entries = installedDesktopEntries();
-    std::vector<std::string> ids;
-    std::ranges::transform(entries, std::back_inserter(ids),
-                           [](const auto& entry) { return entry.id.toStdString(); });
-    EXPECT_THAT(ids, testing::ElementsAre("texts", "tool", "a-helper", "handler"));
-
-    const auto tool = installed("tool");
-    ASSERT_TRUE(tool);
-    EXPECT_EQ(tool->startupWmClass, QStringLiteral("ToolWindow"));
-    EXPECT_EQ(tool->executable, QFileInfo(path("bin/tool")).canonicalFilePath());
-    EXPECT_EQ(installed("texts")->executable, QString()); // its window is the terminal's
-}
-
-TEST_F(InstalledDesktop, KnowsAProgramThatIsInstalledWhileItRuns) {
-    ASSERT_FALSE(installed("late"));
-    addEntry("data/applications/late", "Name=Late\nExec=" + path("bin/tool").toUtf8());
-    EXPECT_TRUE(waitUntil([] { return installed("late").has_value(); }));
-    QFile::remove(path("data/applications/late.desktop"));
-}
-
-TEST_F(InstalledDesktop, ReadsTheProgramOfAnAutostartEntryAsItWasWritten) {
+TEST_F(InstalledDesktop, KnowsAProgramThatIsInstalledWhileItRunsByAnyPathItsEntryCanSpell) {
+    ASSERT_FALSE(installed(u"kestu"));
     addProgram("odd $HOME \"`x\\\\y", "exit 0");
     const QString program = path("bin/odd $HOME \"`x\\\\y");
     AutostartEntry autostart(path("data/applications"), program);
     autostart.enable();
-    ASSERT_TRUE(waitUntil([] { return installed("kestu").has_value(); }));
-    EXPECT_EQ(installed("kestu")->executable, QFileInfo(program).canonicalFilePath());
+    ASSERT_TRUE(waitUntil([] { return installed(u"kestu").has_value(); }));
+    EXPECT_EQ(installed(u"kestu")->executable, QFileInfo(program).canonicalFilePath());
     autostart.disable();
 }
 
 TEST_F(InstalledDesktop, OpensFoldersAndWebPagesWithTheirHandler) {
-    const QString folder = path("資料 1");
-    QDir().mkpath(folder);
+    QDir().mkpath(path("資料 1"));
     DesktopOpener opener;
-    opener.openFolder(folder);
-    EXPECT_TRUE(waitUntil([&] { return contentsOf(path("opened")).endsWith("/資料 1\n"); }))
+    opener.openFolder(path("資料 1"));
+    EXPECT_TRUE(openedBecomes("/資料 1\n")) << contentsOf(path("opened")).toStdString();
+    opener.openAddress(QUrl(u"http://例え.jp/a b?q=%26"_s));
+    EXPECT_TRUE(openedBecomes("http://xn--r8jz45g.jp/a%20b?q=%26\n"))
         << contentsOf(path("opened")).toStdString();
-    opener.openAddress(QUrl(QStringLiteral("http://例え.jp/a b?q=%26")));
-    EXPECT_TRUE(waitUntil([&] {
-        return contentsOf(path("opened")).endsWith("http://xn--r8jz45g.jp/a%20b?q=%26\n");
-    })) << contentsOf(path("opened")).toStdString();
 }
 
 TEST_F(InstalledDesktop, SaysWhyNothingWasOpened) {
     DesktopOpener opener;
-    const auto reasonOf = [](const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const PlatformError& error) {
-            return error.description().toStdString();
-        }
-        return std::string("opened");
-    };
-    const auto address = [&](const char* text) {
-        return reasonOf([&] { opener.openAddress(QUrl(QString::fromUtf8(text))); });
-    };
-    using testing::MatchesRegex;
     EXPECT_THAT(reasonOf([&] { opener.openFolder(path("bin/tool")); }),
                 MatchesRegex("フォルダを開けませんでした：フォルダが見つかりません.*/bin/tool.*"));
-    for (const char* text : {"file://example.org/etc", "http:", "", "mailto:a@b.c"}) {
-        EXPECT_THAT(address(text), MatchesRegex("Web ページを開けませんでした：Web アドレスではありません.*"))
-            << text;
+    const auto reason = [&](const QString& address) {
+        return reasonOf([&] { opener.openAddress(QUrl(address)); });
+    };
+    for (const QString& address : {u"file://example.org/etc"_s, u"http:"_s, u""_s, u"mailto:a@b.c"_s}) {
+        EXPECT_THAT(reason(address),
+                    MatchesRegex("Web ページを開けませんでした：Web アドレスではありません.*"))
+            << address.toStdString();
     }
-    EXPECT_EQ(address("https://example.org"),
+    EXPECT_EQ(reason(u"https://example.org"_s),
               "Web ページを開けませんでした：対応するアプリケーションがありません");
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/JsonSettings.h"
 
-#include "platform/PlatformError.h"
 #include "support/Files.h"
+#include "support/Reason.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -15,81 +15,50 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
 using test::contentsOf;
 using test::putFile;
 
-const QString key = QStringLiteral("key");
-
-/// For as long as it lives, no file of this process grows beyond one byte, as on a full disk.
-class FullDisk {
-public:
-    FullDisk() {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit tiny{.rlim_cur = 1, .rlim_max = m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &tiny);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit m_before{};
-};
+const QString key = u"key"_s;
 
 class JsonSettingsTest : public testing::Test {
 protected:
-    QString reasonOfSetting(int value) {
-        try {
-            m_settings.setInteger(key, value);
-        } catch (const PlatformError& error) {
-            return error.description();
-        }
-        return {};
+    std::string reasonOfSetting(int value) {
+        return test::reasonOf([&] { m_settings.setInteger(key, value); });
     }
 
     QTemporaryDir m_home;
-    QString m_file = m_home.filePath(QStringLiteral("KESTU/settings.json"));
+    QString m_file = m_home.filePath(u"KESTU/settings.json"_s);
     JsonSettings m_settings{m_file};
 };
 
 TEST_F(JsonSettingsTest, KeepWhatWasSetInAFileForTheUserAlone) {
-    const QMap<QString, QString> apps{{QStringLiteral("a.b"), QStringLiteral("道具 \"1\"")}};
-    m_settings.setInteger(QStringLiteral("minutes"), -5);
-    m_settings.setBoolean(QStringLiteral("switch"), false);
-    m_settings.setDictionary(QStringLiteral("apps"), apps);
+    const QMap<QString, QString> apps{{u"a.b"_s, u"道具 \"1\""_s}};
+    m_settings.setInteger(u"minutes"_s, -5);
+    m_settings.setBoolean(u"switch"_s, false);
+    m_settings.setDictionary(u"apps"_s, apps);
 
     const JsonSettings later(m_file);
-    EXPECT_EQ(later.integer(QStringLiteral("minutes")), -5);
-    EXPECT_EQ(later.boolean(QStringLiteral("switch")), false);
-    EXPECT_EQ(later.dictionary(QStringLiteral("apps")), apps);
-    const auto everyone = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
-                          QFile::WriteOther | QFile::ExeOther;
-    EXPECT_FALSE(QFileInfo(m_file).permissions() & everyone);
-    EXPECT_FALSE(QFileInfo(QFileInfo(m_file).path()).permissions() & everyone);
+    EXPECT_EQ(later.integer(u"minutes"_s), -5);
+    EXPECT_EQ(later.boolean(u"switch"_s), false);
+    EXPECT_EQ(later.dictionary(u"apps"_s), apps);
+    for (const QString& path : {m_file, QFileInfo(m_file).path()}) {
+        EXPECT_EQ(QFileInfo(path).permissions() & 0x0077, 0) << path.toStdString();
+    }
 }
 
 TEST_F(JsonSettingsTest, ReadAValueOfAnotherTypeAsAbsent) {
     using Strings = QMap<QString, QString>;
     const struct {
         const char* value;
-        std::optional<int> integer;
-        std::optional<bool> boolean;
-        std::optional<Strings> dictionary;
+        std::optional<int> integer = {};
+        std::optional<bool> boolean = {};
+        std::optional<Strings> dictionary = {};
     } rows[] = {
-        {"3", 3, {}, {}},
-        {"3.0", 3, {}, {}},
-        {"3.5", {}, {}, {}},
-        {"2147483647", 2147483647, {}, {}},
-        {"2147483648", {}, {}, {}},
-        {"-2147483649", {}, {}, {}},
-        {"1e300", {}, {}, {}},
-        {"\"3\"", {}, {}, {}},
-        {"true", {}, true, {}},
-        {"\"true\"", {}, {}, {}},
-        {"null", {}, {}, {}},
-        {"[\"a\"]", {}, {}, {}},
-        {R"({"a": "b", "c": 1, "d": null})", {}, {}, Strings{{QStringLiteral("a"), QStringLiteral("b")}}},
+        {"3", 3},       {"3.5"},
+        {"2147483648"}, {"-2147483649"},
+        {"\"3\""},      {"true", {}, true},
+        {"[\"a\"]"},    {R"({"a": "b", "c": 1, "d": null})", {}, {}, Strings{{u"a"_s, u"b"_s}}},
     };
     for (const auto& row : rows) {
         putFile(m_file, QByteArray(R"({"key": )") + row.value + '}');
@@ -97,7 +66,7 @@ TEST_F(JsonSettingsTest, ReadAValueOfAnotherTypeAsAbsent) {
         EXPECT_EQ(m_settings.boolean(key), row.boolean) << row.value;
         EXPECT_EQ(m_settings.dictionary(key), row.dictionary) << row.value;
     }
-    EXPECT_EQ(m_settings.integer(QStringLiteral("other")), std::nullopt);
+    EXPECT_EQ(m_settings.integer(u"other"_s), std::nullopt);
 }
 
 TEST_F(JsonSettingsTest, LeaveWhatSomebodyElseWroteMeanwhile) {
@@ -116,27 +85,29 @@ TEST_F(JsonSettingsTest, KeepEveryUnreadableFileAside) {
         m_settings.setInteger(key, 4);
         EXPECT_EQ(m_settings.integer(key), 4);
     }
-    EXPECT_EQ(contentsOf(m_file + QStringLiteral(".unreadable")), "{\"key\": 1,,}");
-    EXPECT_EQ(contentsOf(m_file + QStringLiteral(".unreadable.2")), "[1]");
+    EXPECT_EQ(contentsOf(m_file + u".unreadable"_s), "{\"key\": 1,,}");
+    EXPECT_EQ(contentsOf(m_file + u".unreadable.2"_s), "[1]");
 }
 
 TEST_F(JsonSettingsTest, StayWholeWhenAWriteFails) {
     m_settings.setInteger(key, 1);
     const QByteArray before = contentsOf(m_file);
-    QString reason;
-    {
-        const FullDisk fullDisk;
-        reason = reasonOfSetting(2);
-    }
-    EXPECT_TRUE(reason.startsWith(QStringLiteral("設定を保存できませんでした：File too large")))
-        << reason.toStdString();
+    // No file of this process grows beyond one byte, as on a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit fullDisk{.rlim_cur = 1, .rlim_max = limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &fullDisk);
+    const std::string reason = reasonOfSetting(2);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    EXPECT_TRUE(reason.starts_with("設定を保存できませんでした：File too large")) << reason;
     EXPECT_EQ(contentsOf(m_file), before);
 }
 
 TEST_F(JsonSettingsTest, SayWhyTheirFolderCouldNotBeMade) {
-    putFile(m_home.filePath(QStringLiteral("KESTU")), "a file in the folder's place");
+    putFile(m_home.filePath(u"KESTU"_s), "a file in the folder's place");
     EXPECT_EQ(m_settings.integer(key), std::nullopt);
-    EXPECT_EQ(reasonOfSetting(1), QStringLiteral("設定を保存できませんでした：Not a directory"));
+    EXPECT_EQ(reasonOfSetting(1), "設定を保存できませんでした：Not a directory");
 }
 
 } // namespace

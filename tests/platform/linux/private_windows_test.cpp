@@ -6,38 +6,35 @@
 namespace kestu {
 namespace {
 
-struct NamedWindow {
-    QString name;
-    bool isPrivate;
-};
+using namespace Qt::StringLiterals;
 
 TEST(PrivateWindow, IsToldByWhatStandsAroundTheBrowsersOwnName) {
-    const NamedWindow rows[] = {
+    const std::pair<QString, bool> rows[] = {
         // As the browsers spell it: Firefox in English, Japanese, Russian; Chromium in English, Japanese,
         // German.
-        {QStringLiteral("Page — Mozilla Firefox Private Browsing"), true},
-        {QStringLiteral("Mozilla Firefox Private Browsing"), true},
-        {QStringLiteral("ページ — Mozilla Firefox プライベートブラウジング"), true},
-        {QStringLiteral("Page — Приватный просмотр Mozilla Firefox"), true},
-        {QStringLiteral("Page - Chromium (Incognito)"), true},
-        {QStringLiteral("ページ - Chromium（シークレット モード）"), true},
-        {QStringLiteral("Page\u00a0– Google Chrome (anonym)"), true},
-        {QStringLiteral("Page - Google Chrome (Guest)"), true},
-        {QStringLiteral("Page - [InPrivate] - Microsoft\u200b Edge"), true},
-        {QStringLiteral("New Tab - Brave (Private)"), true},
-        {QStringLiteral("ページ - Vivaldi（プライベートウィンドウ）"), true},
-        {QStringLiteral("ページ - シークレット モード - Google Chrome"), true},
+        {u"Page — Mozilla Firefox Private Browsing"_s, true},
+        {u"Mozilla Firefox Private Browsing"_s, true},
+        {u"ページ — Mozilla Firefox プライベートブラウジング"_s, true},
+        {u"Page — Приватный просмотр Mozilla Firefox"_s, true},
+        {u"Page - Chromium (Incognito)"_s, true},
+        {u"ページ - Chromium（シークレット モード）"_s, true},
+        {u"Page\u00a0– Google Chrome (anonym)"_s, true},
+        {u"Page - Google Chrome (Guest)"_s, true},
+        {u"Page - [InPrivate] - Microsoft\u200b Edge"_s, true},
+        {u"New Tab - Brave (Private)"_s, true},
+        {u"ページ - Vivaldi（プライベートウィンドウ）"_s, true},
+        {u"ページ - シークレット モード - Google Chrome"_s, true},
         // Ordinary ones, also with pages about just that.
-        {QStringLiteral("Page — Mozilla Firefox"), false},
-        {QStringLiteral("Mozilla Firefox"), false},
-        {QStringLiteral("Page — Work — Firefox Developer Edition"), false},
-        {QStringLiteral("Private Browsing — Mozilla Firefox"), false},
-        {QStringLiteral("Incognito - Chromium"), false},
-        {QStringLiteral("Firefox プライベートブラウジングとは - Google Chrome"), false},
-        {QStringLiteral("Page - Chromium - Work"), false},
-        {QStringLiteral("Page - Google Chrome dev"), false},
-        {QStringLiteral("Page - Microsoft\u200b Edge"), false},
-        {QStringLiteral("シークレット"), false},
+        {u"Page — Mozilla Firefox"_s, false},
+        {u"Mozilla Firefox"_s, false},
+        {u"Page — Work — Firefox Developer Edition"_s, false},
+        {u"Private Browsing — Mozilla Firefox"_s, false},
+        {u"Incognito - Chromium"_s, false},
+        {u"Firefox プライベートブラウジングとは - Google Chrome"_s, false},
+        {u"Page - Chromium - Work"_s, false},
+        {u"Page - Google Chrome dev"_s, false},
+        {u"Page - Microsoft\u200b Edge"_s, false},
+        {u"シークレット"_s, false},
         {QString(), false},
     };
     for (const auto& [name, isPrivate] : rows) {

@@ -7,23 +7,64 @@
 #include <QDBusVirtualObject>
 #include <QElapsedTimer>
 #include <QSignalSpy>
-
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <vector>
 
 namespace kestu {
-
 namespace {
 
+using namespace Qt::StringLiterals;
 using test::MockObject;
-using test::PrivateBus;
-using test::waitUntil;
 
-const QString changed = QStringLiteral("ActiveChanged");
-const QString gnome = QStringLiteral("org.gnome.ScreenSaver");
-const QString gnomePath = QStringLiteral("/org/gnome/ScreenSaver");
+const QString gnome = u"org.gnome.ScreenSaver"_s;
+const QString mate = u"org.mate.ScreenSaver"_s;
+
+class ScreenSaversTest : public testing::Test {
+protected:
+    MockObject startSaver(const QString& service) {
+        const QString path = u'/' + QString(service).replace(u'.', u'/');
+        m_bus.startMock({service, path, service}, service);
+        return {m_bus.connect(), service, path};
+    }
+
+    static bool becomes(const ScreenSavers& savers, bool active) {
+        return test::waitUntil([&] { return savers.isActive() == active; });
+    }
+
+    test::PrivateBus m_bus;
+};
+
+TEST_F(ScreenSaversTest, KnowsTheSaversOfTheDesktopsAndOutlivesTheirCrash) {
+    for (const QString& service : {u"org.freedesktop.ScreenSaver"_s, gnome, u"org.cinnamon.ScreenSaver"_s,
+                                   mate, u"org.xfce.ScreenSaver"_s}) {
+        SCOPED_TRACE(service.toStdString());
+        const MockObject saver = startSaver(service);
+        saver.answer(service, u"GetActive"_s, u"b"_s, u"ret = True"_s);
+        const ScreenSavers watched(m_bus.connect());
+        EXPECT_TRUE(watched.isActive()) << "at start";
+        for (const bool active : {false, true}) {
+            saver.announce(service, u"ActiveChanged"_s, active);
+            EXPECT_TRUE(becomes(watched, active)) << active;
+        }
+        saver.sendSignal(SIGKILL);
+        EXPECT_TRUE(becomes(watched, false)) << "after a crash";
+    }
+}
+
+TEST_F(ScreenSaversTest, StaysActiveUntilTheLastOfSeveralEnds) {
+    const MockObject first = startSaver(gnome);
+    const MockObject second = startSaver(mate);
+    const ScreenSavers savers(m_bus.connect());
+    const QSignalSpy changes(&savers, &ScreenSavers::activeChanged);
+    first.announce(gnome, u"ActiveChanged"_s, true);
+    ASSERT_TRUE(becomes(savers, true));
+    second.announce(mate, u"ActiveChanged"_s, true);
+    second.announce(mate, u"ActiveChanged"_s, false);
+    first.announce(gnome, u"ActiveChanged"_s, false);
+    EXPECT_TRUE(becomes(savers, false));
+    EXPECT_EQ(changes.count(), 2);
+}
 
 /// A saver in this very thread: it can answer only while nobody blocks the thread, so never at once.
 class UnhurriedSaver final : public QDBusVirtualObject {
@@ -35,76 +76,23 @@ public:
     }
 };
 
-} // namespace
-
-TEST(ScreenSavers, KnowsTheSaversOfTheDesktopsAndOutlivesTheirCrash) {
-    struct Saver {
-        QString service;
-        QString path;
-    };
-    const std::vector<Saver> savers{
-        {QStringLiteral("org.freedesktop.ScreenSaver"), QStringLiteral("/org/freedesktop/ScreenSaver")},
-        {gnome, gnomePath},
-        {QStringLiteral("org.cinnamon.ScreenSaver"), QStringLiteral("/org/cinnamon/ScreenSaver")},
-        {QStringLiteral("org.mate.ScreenSaver"), QStringLiteral("/org/mate/ScreenSaver")},
-        {QStringLiteral("org.xfce.ScreenSaver"), QStringLiteral("/org/xfce/ScreenSaver")},
-    };
-    PrivateBus bus;
-    for (const Saver& saver : savers) {
-        SCOPED_TRACE(saver.service.toStdString());
-        bus.startMock({saver.service, saver.path, saver.service}, saver.service);
-        const MockObject mock(bus.connect(), saver.service, saver.path);
-        mock.answer(saver.service, QStringLiteral("GetActive"), QString(), QStringLiteral("b"),
-                    QStringLiteral("ret = True"));
-        ScreenSavers watched(bus.connect());
-        EXPECT_TRUE(watched.isActive()) << "at start";
-
-        mock.announce(saver.service, changed, false);
-        EXPECT_TRUE(waitUntil([&] { return !watched.isActive(); }));
-        mock.announce(saver.service, changed, true);
-        EXPECT_TRUE(waitUntil([&] { return watched.isActive(); }));
-        mock.sendSignal(SIGKILL);
-        EXPECT_TRUE(waitUntil([&] { return !watched.isActive(); })) << "after a crash";
-    }
-}
-
-TEST(ScreenSavers, StaysActiveUntilTheLastOfSeveralEnds) {
-    const QString mate = QStringLiteral("org.mate.ScreenSaver");
-    const QString matePath = QStringLiteral("/org/mate/ScreenSaver");
-    PrivateBus bus;
-    bus.startMock({gnome, gnomePath, gnome}, gnome);
-    bus.startMock({mate, matePath, mate}, mate);
-    const MockObject first(bus.connect(), gnome, gnomePath);
-    const MockObject second(bus.connect(), mate, matePath);
-    ScreenSavers savers(bus.connect());
-    const QSignalSpy changes(&savers, &ScreenSavers::activeChanged);
-
-    first.announce(gnome, changed, true);
-    ASSERT_TRUE(waitUntil([&] { return savers.isActive(); }));
-    second.announce(mate, changed, true);
-    second.announce(mate, changed, false);
-    first.announce(gnome, changed, false);
-    EXPECT_TRUE(waitUntil([&] { return !savers.isActive(); }));
-    EXPECT_EQ(changes.count(), 2);
-}
-
-TEST(ScreenSavers, HearsASlowAnswerAfterTheStartAndAsksOneThatTakesOver) {
-    PrivateBus bus;
-    QDBusConnection saverBus = bus.connect();
+TEST_F(ScreenSaversTest, HearsASlowAnswerAfterTheStartAndAsksOneThatTakesOver) {
+    QDBusConnection bus = m_bus.connect();
     UnhurriedSaver saver;
-    ASSERT_TRUE(saverBus.registerVirtualObject(gnomePath, &saver));
-    ASSERT_TRUE(saverBus.registerService(gnome));
+    ASSERT_TRUE(bus.registerVirtualObject(u"/org/gnome/ScreenSaver"_s, &saver));
+    ASSERT_TRUE(bus.registerService(gnome));
     QElapsedTimer timer;
     timer.start();
-    ScreenSavers savers(bus.connect());
-    EXPECT_LT(timer.elapsed(), 300);
+    const ScreenSavers savers(m_bus.connect());
+    EXPECT_LT(timer.elapsed(), 300) << "the answers may take 0.15 seconds";
     EXPECT_FALSE(savers.isActive());
-    EXPECT_TRUE(waitUntil([&] { return savers.isActive(); }));
+    EXPECT_TRUE(becomes(savers, true));
 
-    saverBus.unregisterService(gnome);
-    EXPECT_TRUE(waitUntil([&] { return !savers.isActive(); }));
-    saverBus.registerService(gnome);
-    EXPECT_TRUE(waitUntil([&] { return savers.isActive(); }));
+    bus.unregisterService(gnome);
+    EXPECT_TRUE(becomes(savers, false));
+    bus.registerService(gnome);
+    EXPECT_TRUE(becomes(savers, true));
 }
 
+} // namespace
 } // namespace kestu
