@@ -125,7 +125,7 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     login.start();
     const auto holdersAre = [&](const QString& list) {
         login.manager().answer(QStringLiteral("org.freedesktop.login1.Manager"),
-                               QStringLiteral("ListInhibitors"), {}, QStringLiteral("a(ssssuu)"),
+                               QStringLiteral("ListInhibitors"), QStringLiteral("a(ssssuu)"),
                                QStringLiteral("ret = [%1]").arg(list));
     };
     const test::Terminal window(QStringLiteral("Player"), QStringLiteral("player"));

@@ -66,6 +66,18 @@ QString titleInFront() {
 }
 
 class RealBrowserTest : public testing::TestWithParam<Browser> {
+public:
+    /// By the browser's own way out: else its helpers go on writing into the folder.
+    ~RealBrowserTest() override {
+        for (Program& browser : m_programs) {
+            if (browser.isRunning()) {
+                browser.send(SIGCONT);
+                browser.send(SIGTERM);
+                browser.waitForEnd(5000);
+            }
+        }
+    }
+
 protected:
     /// The desktop's switch stands where this browser meets it in the worst case.
     RealBrowserTest() {
@@ -77,17 +89,6 @@ protected:
         launcher.call(u"org.freedesktop.DBus.Properties"_s, u"Set"_s,
                       {u"org.a11y.Status"_s, u"IsEnabled"_s, QVariant::fromValue(QDBusVariant(isOn))});
         EXPECT_EQ(m_bus.isEnabled(), isOn);
-    }
-
-    /// By the browser's own way out: else its helpers go on writing into the folder.
-    ~RealBrowserTest() override {
-        for (Program& browser : m_programs) {
-            if (browser.isRunning()) {
-                browser.send(SIGCONT);
-                browser.send(SIGTERM);
-                browser.waitForEnd(5000);
-            }
-        }
     }
 
     /// Only the first one of a test stays; later ones pass their page on to it.

@@ -52,6 +52,7 @@ protected:
 TEST_F(LoginManagerTest, DelaysASleepUntilItHasBeenReportedAndTheNextOneAgain) {
     LoginManager manager(m_bus.connect());
     ASSERT_TRUE(inhibitorsBecome(ours));
+    waitUntil([] { return false; }, 100); // until the answer has arrived here too
     const QSignalSpy changes(&manager, &LoginManager::asleepChanged);
     QStringList heldWhileReporting;
     QObject::connect(&manager, &LoginManager::asleepChanged, &manager, [&](bool asleep) {

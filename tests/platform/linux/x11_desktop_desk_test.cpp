@@ -49,6 +49,8 @@ public:
         xcb_flush(m_xcb.connection());
     }
 
+    [[nodiscard]] xcb_window_t id() const { return m_id; }
+
     void activate() const {
         test::outputOf(u"xdotool"_s, {u"windowactivate"_s, u"--sync"_s, QString::number(m_id)});
     }
@@ -77,6 +79,17 @@ protected:
             window.show();
             return frontTitle() == title;
         });
+    }
+
+    /// Names these windows active one after the other, as a window manager does between two windows.
+    void nameActive(const std::vector<xcb_window_t>& windows) {
+        for (const xcb_window_t window : windows) {
+            xcb_change_property(m_programs->connection(), XCB_PROP_MODE_REPLACE, m_programs->root(),
+                                m_programs->atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32, 1, &window);
+            xcb_flush(m_programs->connection());
+            waitUntil([] { return false; }, 5);
+        }
+        waitUntil([] { return false; }, 200);
     }
 
     QString m_why;
@@ -136,8 +149,12 @@ TEST_F(X11DesktopTest, SaysAtOnceAndOnceThatAnotherWindowCameToTheFront) {
         first.activate();
         EXPECT_TRUE(waitUntil([&] { return changes > 0; }, 500));
         EXPECT_EQ(frontTitle(), u"first"_s);
-        waitUntil([] { return false; }, 200);
+        nameActive({XCB_NONE, first.id(), first.id()});
         EXPECT_EQ(changes, 1) << "nothing between two windows, nothing twice";
+        nameActive({XCB_NONE});
+        EXPECT_EQ(changes, 2) << "nothing is in front any more";
+        EXPECT_FALSE(frontTitle());
+        nameActive({first.id()});
         second.activate();
         ASSERT_TRUE(titleBecomes(u"second"_s));
     }
