@@ -2,6 +2,7 @@
 //
 // Puts everything together: the platform, the store, what runs on them, and the ways in which it ends.
 #include "app/KestuApp.h"
+#include "app/ReportCommand.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/TerminationSignals.h"
@@ -14,6 +15,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -59,15 +61,49 @@ int record(QApplication& application, const SingleInstance& instance,
     return QApplication::exec();
 }
 
+/// Writes what a command left behind; a text that does not arrive is a failure too.
+int finish(const CommandResult& result) {
+    const QByteArray output = result.output.toUtf8();
+    std::fputs(result.errors.toUtf8().constData(), stderr);
+    const bool isWritten = std::fwrite(output.constData(), 1, static_cast<std::size_t>(output.size()),
+                                       stdout) == static_cast<std::size_t>(output.size()) &&
+                           std::fflush(stdout) == 0;
+    if (!isWritten) {
+        std::perror("kestu");
+        return EXIT_FAILURE;
+    }
+    return result.exitCode;
+}
+
+std::optional<int> commandExitCode(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
+    if (!isCommand(arguments)) {
+        return std::nullopt;
+    }
+    const QCoreApplication application(argc, argv);
+    return finish(runCommand(
+        arguments,
+        {.location = storeLocationFromEnvironment(), .calendar = systemCalendar(), .now = systemNow()}));
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
+    if (const auto exitCode = commandExitCode(argc, argv)) {
+        return *exitCode;
+    }
     const bool isWithoutDisplay = !isDisplayReachable();
     if (isWithoutDisplay) {
         // Asking Qt for a display that is not there would abort, before anything could be said.
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication application(argc, argv);
+    if (const QStringList arguments = QApplication::arguments(); arguments.size() > 1) {
+        return finish(usageError(QStringLiteral("不明な引数です：%1").arg(arguments.at(1))));
+    }
     QApplication::setApplicationName(QStringLiteral("KESTU"));
     QApplication::setApplicationVersion(QStringLiteral(KESTU_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("kestu"));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/Text.h"
 
+#include <QLocale>
+
 #include <algorithm>
 
 namespace kestu {
@@ -37,6 +39,15 @@ QString trimmedWhiteSpace(const QString& text) {
 
 QString matchingKey(const QString& name) {
     return trimmedBlanks(name).toLower();
+}
+
+QString decimalText(double number) {
+    const QString digits = QString::number(number, 'f', QLocale::FloatingPointShortest);
+    return digits.contains(u'.') ? digits : digits + QStringLiteral(".0");
+}
+
+QString foldedText(const QString& text) {
+    return text.toLower().normalized(QString::NormalizationForm_C);
 }
 
 } // namespace kestu

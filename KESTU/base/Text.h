@@ -17,4 +17,11 @@ namespace kestu {
 /// What makes two category names the same: trimmed of blank characters and lower-cased.
 [[nodiscard]] QString matchingKey(const QString& name);
 
+/// A number with as many digits as it needs, and at least one behind the point: "3000.0".
+[[nodiscard]] QString decimalText(double number);
+
+/// `text` as comparisons see it: lower-cased by Unicode's rules, whatever the locale, and composed, so that
+/// canonically equivalent texts are equal.
+[[nodiscard]] QString foldedText(const QString& text);
+
 } // namespace kestu

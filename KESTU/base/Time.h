@@ -5,6 +5,7 @@
 #pragma once
 
 #include <chrono>
+#include <cmath>
 #include <functional>
 
 namespace kestu {
@@ -24,6 +25,19 @@ using Clock = std::function<Instant()>;
 
 [[nodiscard]] constexpr double epochSeconds(Instant instant) {
     return instant.time_since_epoch().count();
+}
+
+/// From `start` up to, but not including, `end`.
+struct Interval {
+    Instant start{};
+    Instant end{};
+    bool operator==(const Interval&) const = default;
+};
+
+/// The time between two instants; 0 when the end lies before the start or either is not finite.
+[[nodiscard]] inline Seconds lengthOf(Instant start, Instant end) {
+    const Seconds length = end - start;
+    return length > Seconds{0} && std::isfinite(length.count()) ? length : Seconds{0};
 }
 
 /// The system's wall clock.

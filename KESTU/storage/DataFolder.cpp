@@ -44,11 +44,15 @@ void carryOverFormerInstallation(const QString& base, const QString& folder) {
 
 QString dataFolder(const QString& base) {
     const PrivateCreation forTheOwner;
-    QString folder = base % u"/KESTU";
+    QString folder = dataFolderPath(base);
     carryOverFormerInstallation(base, folder);
     [[maybe_unused]] const bool ignored = QDir().mkpath(folder);
     makeFolderPrivate(folder);
     return folder;
+}
+
+QString dataFolderPath(const QString& base) {
+    return base % u"/KESTU";
 }
 
 QString userDataHome() {

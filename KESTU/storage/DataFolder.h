@@ -12,6 +12,9 @@ namespace kestu {
 /// database then says what is wrong.
 [[nodiscard]] QString dataFolder(const QString& base);
 
+/// The path of that folder, and nothing done.
+[[nodiscard]] QString dataFolderPath(const QString& base);
+
 /// The per-user data home: $XDG_DATA_HOME, else ~/.local/share.
 [[nodiscard]] QString userDataHome();
 

@@ -127,21 +127,35 @@ void Database::CloseConnection::operator()(sqlite3* handle) const {
     sqlite3_close(handle);
 }
 
-Database::Database(const QString& path) {
+Database::Database(const QString& path, Access access) {
     const PrivateCreation forTheOwner;
+    const int creation = access == Access::readWrite ? SQLITE_OPEN_CREATE : 0;
     sqlite3* handle = nullptr;
     const int result = sqlite3_open_v2(QFile::encodeName(path).constData(), &handle,
-                                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+                                       SQLITE_OPEN_READWRITE | creation, nullptr);
     m_handle.reset(handle);
     if (result != SQLITE_OK) {
         throw openFailure(lastMessage(handle));
     }
+    sqlite3_busy_timeout(handle, busyTimeoutMilliseconds);
+    access == Access::readOnly ? openForReading(path) : openForWriting(path);
+}
+
+/// Not SQLite's own read-only mode, which leaves companion files behind where nobody else has the file open.
+void Database::openForReading(const QString& path) {
+    executeScript(QStringLiteral("PRAGMA query_only = ON"));
+    if (QFile::exists(path % u"-wal")) {
+        // A log that another process left or uses is for that one to write back.
+        sqlite3_db_config(m_handle.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    }
+}
+
+void Database::openForWriting(const QString& path) {
     // SQLite falls back to reading where it may not write. Capture drops failed writes, so a day would go
     // by unrecorded before anybody noticed.
-    if (sqlite3_db_readonly(handle, "main") == 1) {
+    if (sqlite3_db_readonly(m_handle.get(), "main") == 1) {
         throw openFailure(QString::fromUtf8(sqlite3_errstr(SQLITE_READONLY)));
     }
-    sqlite3_busy_timeout(handle, busyTimeoutMilliseconds);
     executeScript(QStringLiteral("PRAGMA foreign_keys = ON"));
     if (path == u":memory:") {
         return;

@@ -67,9 +67,14 @@ private:
 
 class Database final {
 public:
-    /// Opens or creates the file at `path` (":memory:" for none), readable by its owner alone.
-    /// @throws DatabaseError "open failed: " and SQLite's message; also where the file cannot be written.
-    explicit Database(const QString& path);
+    enum class Access {
+        readWrite, // creates the file where there is none
+        readOnly   // an existing file, of which nothing is changed
+    };
+
+    /// Opens the file at `path` (":memory:" for none); one to be written is made readable by its owner alone.
+    /// @throws DatabaseError "open failed: " and SQLite's message; also where a file to be written cannot be.
+    explicit Database(const QString& path, Access access = Access::readWrite);
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
@@ -125,6 +130,8 @@ private:
         bool m_committed = false;
     };
 
+    void openForReading(const QString& path);
+    void openForWriting(const QString& path);
     void useWriteAheadLog();
     void forEachRow(const QString& sql, const SqlValues& arguments,
                     const std::function<void(const Row&)>& visit) const;

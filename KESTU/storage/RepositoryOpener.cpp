@@ -48,6 +48,12 @@ void backUpOlderFile(Database& database, const QString& databasePath,
     }
 }
 
+/// Without preparing anything on the way.
+QString databasePath(const StoreLocation& location) {
+    return location.explicitPath.isEmpty() ? dataFolderPath(location.dataHome) % u"/kestu.sqlite"
+                                           : location.explicitPath;
+}
+
 } // namespace
 
 StoreLocation storeLocationFromEnvironment() {
@@ -55,8 +61,10 @@ StoreLocation storeLocationFromEnvironment() {
 }
 
 QString prepareDatabasePath(const StoreLocation& location) {
-    return location.explicitPath.isEmpty() ? dataFolder(location.dataHome) % u"/kestu.sqlite"
-                                           : location.explicitPath;
+    if (location.explicitPath.isEmpty()) {
+        [[maybe_unused]] const QString folder = dataFolder(location.dataHome);
+    }
+    return databasePath(location);
 }
 
 std::unique_ptr<Repository> openRepository(const StoreLocation& location, Clock clock,
@@ -69,6 +77,25 @@ std::unique_ptr<Repository> openRepository(const StoreLocation& location, Clock 
     migrate(*database);
     indexActivityLengths(*database, onLongStep);
     return std::make_unique<Repository>(std::move(database), std::move(clock));
+}
+
+std::unique_ptr<Repository> openRepositoryForReading(const StoreLocation& location) {
+    const QString path = databasePath(location);
+    if (!QFileInfo::exists(path)) {
+        throw DatabaseError(
+            QStringLiteral("記録のデータベースがありません（%1）。KESTU を一度起動してください。").arg(path));
+    }
+    auto database = std::make_unique<Database>(path, Database::Access::readOnly);
+    // Not by the counter, which reads as 0 whatever is wrong with the file.
+    const auto version = database->query(QStringLiteral("PRAGMA user_version"), {},
+                                         [](const Row& row) { return row.integer(0); });
+    if (version.at(0) < currentSchemaVersion) {
+        throw DatabaseError(QStringLiteral("データベースの形式が古いため読めません（バージョン %1、%2）。"
+                                           "KESTU を一度起動すると更新されます。")
+                                .arg(version.at(0))
+                                .arg(path));
+    }
+    return std::make_unique<Repository>(std::move(database), systemNow);
 }
 
 } // namespace kestu

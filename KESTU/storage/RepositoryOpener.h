@@ -31,4 +31,9 @@ struct StoreLocation {
 [[nodiscard]] std::unique_ptr<Repository> openRepository(const StoreLocation& location, Clock clock,
                                                          const std::function<void()>& onLongStep = {});
 
+/// Opens the file for reading, also while another process records into it. Creates, carries over, migrates
+/// and changes nothing.
+/// @throws DatabaseError when there is no file, or one that KESTU has yet to migrate; it says what to do.
+[[nodiscard]] std::unique_ptr<Repository> openRepositoryForReading(const StoreLocation& location);
+
 } // namespace kestu

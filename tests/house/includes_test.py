@@ -14,10 +14,12 @@ import tempfile
 FLOORS = {
     "base": [],
     "storage": ["base"],
+    "classify": ["base", "storage"],
+    "reports": ["base", "storage", "classify"],
     "platform": ["base"],
     "platform/linux": ["base", "platform"],
     "capture": ["base", "storage", "platform"],
-    "app": ["base", "storage", "platform", "capture"],
+    "app": ["base", "storage", "classify", "reports", "platform", "capture"],
     "ui": ["base", "app"],
 }
 # Who may include which header of the system.

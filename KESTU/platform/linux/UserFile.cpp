@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/UserFile.h"
 
+#include "base/AtomicFile.h"
 #include "platform/PlatformError.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <filesystem>
@@ -22,18 +23,6 @@ std::error_code makePrivateFolder(const std::filesystem::path& folder) {
     return error;
 }
 
-/// A disk that runs full takes a part first; only the next write says why it takes no more.
-bool writeAll(QIODevice& device, QByteArrayView contents) {
-    while (!contents.isEmpty()) {
-        const qint64 written = device.write(contents.data(), contents.size());
-        if (written <= 0) {
-            return false;
-        }
-        contents = contents.sliced(written);
-    }
-    return true;
-}
-
 } // namespace
 
 QString userConfigHome() {
@@ -48,14 +37,8 @@ void replaceUserFile(const QString& path, const QByteArray& contents, const QStr
     if (const auto error = makePrivateFolder(folder.toStdString())) {
         fail(QString::fromLocal8Bit(error.message()));
     }
-    QSaveFile file(path);
-    // Unbuffered: what a buffer cannot write to a full disk is noticed too late, and half a file is put in
-    // the place of the whole one.
-    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                           file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
-                           writeAll(file, contents) && file.commit();
-    if (!isWritten) {
-        fail(file.errorString());
+    if (const auto reason = replaceFile(path, contents, QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
+        fail(*reason);
     }
 }
 
