@@ -54,6 +54,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
                         {{u"KESTU_DB_PATH"_s, path}, {u"LANGUAGE"_s, u"ja"_s}});
     ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }, patience));
     const Instant began = rows().front().start;
+    const auto assistant = openRepository(location(), systemNow); // the other process that writes
 
     waitUntil([] { return false; }, 3000);
     std::vector<Instant> switches;
@@ -62,6 +63,9 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
         front = front == &editor ? &other : &editor;
         front->activate();
         switches.push_back(systemNow());
+        assistant->saveDailyNote(u"2026-03-05"_s, QString::number(switches.size()), u"assistant"_s);
+        assistant->database().run(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, value, "
+                                  "created_at) VALUES ('tag', 't', 'app', 'equals', 'v', 0)"_s);
         waitUntil([] { return false; }, 3000);
     }
     front->setTitle(u"新しい題"_s);
@@ -70,6 +74,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
     const Instant ended = systemNow();
     ASSERT_EQ(kestu.waitForEnd(), 0) << kestu.errorOutput().toStdString();
 
+    EXPECT_EQ(assistant->suggestions().size(), switches.size());
     const auto written = rows();
     ASSERT_EQ(written.size(), switches.size() + 2);
     Seconds sum{0};
