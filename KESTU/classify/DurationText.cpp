@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/DurationText.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstdint>
 
 namespace kestu {
 
 QString formatDuration(double seconds) {
-    constexpr double longest = 9.0e15; // keeps the count of minutes inside its type
-    const double wholeMinutes = std::trunc(std::fmin(seconds, longest) / 60.0);
-    if (!(wholeMinutes >= 1)) {
+    if (!(seconds >= 60)) {
         return seconds > 0 ? QStringLiteral("1分未満") : QStringLiteral("0分");
     }
-    const auto minutes = static_cast<std::int64_t>(wholeMinutes);
+    constexpr double longest = 9.0e15; // keeps the count of minutes inside its type
+    const auto minutes = static_cast<std::int64_t>(std::min(seconds, longest) / 60.0);
     const QString rest = QStringLiteral("%1分").arg(minutes % 60);
     if (minutes < 60) {
         return rest;
