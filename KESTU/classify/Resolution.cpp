@@ -12,17 +12,18 @@ ResolvedActivity resolvedBy(RuleMatcher& matcher, std::span<const Rule> rules, c
     ResolvedActivity result{.activity = activity,
                             .projectId = activity.projectId,
                             .isManual = activity.projectId.has_value(),
-                            .tagIds = activity.tagIds,
+                            .tagIds = {},
                             .ruleTagIds = {}};
     for (const int index : matcher.matchingRules(activity)) {
         const RuleTarget& target = rules[static_cast<std::size_t>(index)].target;
         if (target.kind == CategoryKind::tag) {
             result.ruleTagIds.insert(target.id);
-            result.tagIds.insert(target.id);
         } else if (!result.projectId) {
             result.projectId = target.id;
         }
     }
+    result.tagIds = result.ruleTagIds; // shared: most activities have no tags of their own
+    result.tagIds.unite(activity.tagIds);
     return result;
 }
 

@@ -8,19 +8,21 @@
 namespace kestu {
 namespace {
 
-/// What of an activity each field tests; a missing address or domain is the empty text.
-std::vector<QString> candidates(RuleField field, const Activity& activity) {
+/// Calls `test` with each text of the activity that a rule of this field looks at, until one passes. A
+/// missing address or domain counts as an empty text, which no rule matches, and is left out.
+template<typename Test>
+bool anyCandidate(RuleField field, const Activity& activity, Test test) {
     switch (field) {
     case RuleField::app:
-        return {activity.appName, activity.bundleId};
+        return test(activity.appName) || test(activity.bundleId);
     case RuleField::title:
-        return {activity.title};
+        return test(activity.title);
     case RuleField::domain:
-        return {activity.domain.value_or(QString())};
+        return activity.domain && test(*activity.domain);
     case RuleField::url:
-        return {activity.url.value_or(QString())};
+        return activity.url && test(*activity.url);
     }
-    return {};
+    return false;
 }
 
 QString needleOf(const Rule& rule) {
@@ -34,8 +36,7 @@ bool matches(const Rule& rule, const Activity& activity) {
     if (needle.isEmpty()) {
         return false;
     }
-    const auto texts = candidates(rule.field, activity);
-    return std::ranges::any_of(texts, [&](const QString& candidate) {
+    return anyCandidate(rule.field, activity, [&](const QString& candidate) {
         const QString text = foldedText(candidate);
         switch (rule.op) {
         case RuleOperator::contains:
@@ -67,10 +68,11 @@ const std::vector<int>& RuleMatcher::matchingRules(const Activity& activity) {
         if (matcher.needles.isEmpty()) {
             continue;
         }
-        for (const QString& text : candidates(field, activity)) {
+        anyCandidate(field, activity, [&](const QString& text) {
             const std::vector<int>& found = matcher.matchingRules(text);
             m_matching.insert(m_matching.end(), found.begin(), found.end());
-        }
+            return false;
+        });
     }
     std::ranges::sort(m_matching);
     const auto repeated = std::ranges::unique(m_matching);
