@@ -8,37 +8,32 @@
 namespace kestu {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 TEST(IdlePolicy, KeepsTheUserPresentForMeetingsVideosAndAHeldDisplay) {
     const struct {
-        const char* bundleId;
-        const char* url; // null for none
+        QString bundleId;
+        std::optional<QString> url;
         bool isHeld;
         bool keeps;
     } rows[] = {
-        {"org.example.Editor", nullptr, false, false},
-        {"org.example.Editor", nullptr, true, true},
-        {"us.zoom.xos", nullptr, false, true},
-        {"US.zoom.xos", nullptr, false, false},
-        {"org.videolan.vlc", nullptr, false, true},
-        {"org.mozilla.firefox", "https://WWW.YouTube.com/watch?v=1", false, true},
-        {"org.mozilla.firefox", "https://m.youtube.com/", false, true},
-        {"org.mozilla.firefox", "https://live.a.nicovideo.jp/", false, true},
-        {"org.mozilla.firefox", "https://myyoutube.com/", false, false},
-        {"org.mozilla.firefox", "https://youtube.com.example.jp/", false, false},
-        {"org.mozilla.firefox", "https://docs.google.com/", false, false},
-        {"org.mozilla.firefox", "about:blank", false, false},
-        {"org.mozilla.firefox", "https://[broken", false, false},
-        {"org.mozilla.firefox", "https://[broken", true, true},
+        {u"org.example.Editor"_s, {}, false, false},
+        {u"org.example.Editor"_s, {}, true, true},
+        {u"us.zoom.xos"_s, {}, false, true},
+        {u"US.zoom.xos"_s, {}, false, false},
+        {u"org.videolan.vlc"_s, {}, false, true},
+        {u"firefox"_s, u"https://WWW.YouTube.com/watch?v=1"_s, false, true},
+        {u"firefox"_s, u"https://live.a.nicovideo.jp/"_s, false, true},
+        {u"firefox"_s, u"https://myyoutube.com/"_s, false, false},
+        {u"firefox"_s, u"https://youtube.com.example.jp/"_s, false, false},
+        {u"firefox"_s, u"https://[broken"_s, false, false},
+        {u"firefox"_s, u"https://[broken"_s, true, true},
     };
     for (const auto& row : rows) {
-        Sample sample;
-        sample.bundleId = QString::fromUtf8(row.bundleId);
-        if (row.url != nullptr) {
-            sample.url = QString::fromUtf8(row.url);
-        }
-        EXPECT_EQ(IdlePolicy{}.keepsAlive(sample, row.isHeld), row.keeps) << row.bundleId << " " << row.url;
-        EXPECT_FALSE(
-            (IdlePolicy{.keepAliveEnabled = false, .excludedBundleIds = {}}.keepsAlive(sample, true)));
+        const Sample sample{row.bundleId, {}, {}, row.url};
+        EXPECT_EQ(IdlePolicy{}.keepsAlive(sample, row.isHeld), row.keeps)
+            << row.bundleId.toStdString() << " " << row.url.value_or(QString()).toStdString();
+        EXPECT_FALSE((IdlePolicy{false, {}}.keepsAlive(sample, true)));
     }
     EXPECT_FALSE(IdlePolicy{}.keepsAlive(std::nullopt, true));
 }
@@ -47,24 +42,21 @@ TEST(FrontmostPreventsDisplaySleep, CountsDisplayAssertionsOnlyAndUnknownAsNo) {
     const QString display = assertionType::preventUserIdleDisplaySleep.toString();
     const QString noDisplaySleep = assertionType::noDisplaySleepAssertion.toString();
     const QString system = assertionType::preventUserIdleSystemSleep.toString();
-    const struct {
-        std::optional<QStringList> types;
-        bool prevents;
-    } rows[] = {
+    const std::pair<std::optional<QStringList>, bool> rows[] = {
         {std::nullopt, false},
-        {QStringList(), false},
-        {QStringList{system}, false},
-        {QStringList{system, display}, true},
-        {QStringList{noDisplaySleep}, true},
+        {{{system}}, false},
+        {{{system, display}}, true},
+        {{{noDisplaySleep}}, true},
     };
     test::FakeWorkspace workspace;
     test::FakeAssertions assertions;
-    for (const auto& row : rows) {
-        assertions.types = row.types;
-        workspace.front.reset();
-        EXPECT_FALSE(frontmostPreventsDisplaySleep(workspace, assertions));
-        workspace.front.emplace();
-        EXPECT_EQ(frontmostPreventsDisplaySleep(workspace, assertions), row.prevents);
+    assertions.types = {display};
+    EXPECT_FALSE(frontmostPreventsDisplaySleep(workspace, assertions)) << "nobody is in front";
+    workspace.front.emplace();
+    for (const auto& [types, prevents] : rows) {
+        assertions.types = types;
+        EXPECT_EQ(frontmostPreventsDisplaySleep(workspace, assertions), prevents)
+            << types.value_or(QStringList()).join(u' ').toStdString();
     }
 }
 

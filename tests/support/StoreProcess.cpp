@@ -5,40 +5,36 @@
 
 namespace kestu::test {
 
-using namespace Qt::StringLiterals;
-
-StoreProcess::StoreProcess(const QString& databasePath, User user) {
+StoreProcess::StoreProcess(const QString& databasePath) {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(QStringLiteral(KESTU_STORE_PROCESS),
-                    {databasePath, user == User::stranger ? u"stranger"_s : QString()});
-    m_greeting = readLine();
+    m_process.start(QStringLiteral(KESTU_STORE_PROCESS), {databasePath});
 }
 
 StoreProcess::~StoreProcess() {
-    kill();
-}
-
-std::string StoreProcess::execute(const QString& sql) {
-    m_process.write(sql.toUtf8() + '\n');
-    return readLine();
-}
-
-void StoreProcess::startRecording() {
-    m_process.write("record\n");
-    for (int commits = 0; commits < 5; ++commits) {
-        m_lastEnd = std::stod(readLine());
-    }
-}
-
-double StoreProcess::kill() {
     m_process.kill();
     m_process.waitForFinished();
-    const QList<QByteArray> lines = m_process.readAllStandardOutput().split('\n');
-    // After the last line feed stands nothing, or a number that was cut off.
-    return lines.size() < 2 ? m_lastEnd : lines.at(lines.size() - 2).toDouble();
 }
 
-std::string StoreProcess::readLine() {
+void StoreProcess::execute(const QString& sql) {
+    m_process.write(sql.toUtf8() + '\n');
+    EXPECT_EQ(readLine(), "ok") << sql.toStdString();
+}
+
+double StoreProcess::recordUntilKilled() {
+    m_process.write("record\n");
+    double lastEnd = 0;
+    for (int commits = 0; commits < 5; ++commits) {
+        lastEnd = readLine().toDouble();
+    }
+    m_process.kill();
+    m_process.waitForFinished();
+    while (m_process.canReadLine()) { // a number that was cut off is no line
+        lastEnd = m_process.readLine().toDouble();
+    }
+    return lastEnd;
+}
+
+QByteArray StoreProcess::readLine() {
     constexpr int patienceMilliseconds = 20000;
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead(patienceMilliseconds)) {
@@ -46,7 +42,7 @@ std::string StoreProcess::readLine() {
             return {};
         }
     }
-    return m_process.readLine().trimmed().toStdString();
+    return m_process.readLine().trimmed();
 }
 
 } // namespace kestu::test

@@ -6,40 +6,26 @@
 #include <QProcess>
 #include <QString>
 
-#include <string>
-
 namespace kestu::test {
 
 class StoreProcess final {
 public:
-    /// Whose rights the process has. `stranger` is one who owns nothing here; only root can become that,
-    /// anybody else stays who they are.
-    enum class User { same, stranger };
-
-    explicit StoreProcess(const QString& databasePath, User user = User::same);
+    explicit StoreProcess(const QString& databasePath);
     ~StoreProcess(); // by SIGKILL
     StoreProcess(const StoreProcess&) = delete;
     StoreProcess& operator=(const StoreProcess&) = delete;
 
-    /// "open", or why the store could not be opened.
-    [[nodiscard]] const std::string& greeting() const { return m_greeting; }
+    /// Executes one line of SQL over there. Its failure is one of the test.
+    void execute(const QString& sql);
 
-    /// Executes one line of SQL over there; "ok", or the failure's text.
-    std::string execute(const QString& sql);
-
-    /// Lets it insert an activity and extend it without end, a second each time; returns once it has
-    /// committed the first few.
-    void startRecording();
-
-    /// Ends it by SIGKILL in whatever it is doing. Returns the last end that it has reported.
-    double kill();
+    /// Lets it insert an activity and extend it without end, a second each time, and ends it by SIGKILL in
+    /// the middle of that. Returns the last end that it has reported.
+    double recordUntilKilled();
 
 private:
-    std::string readLine();
+    QByteArray readLine();
 
     QProcess m_process;
-    std::string m_greeting;
-    double m_lastEnd = 0;
 };
 
 } // namespace kestu::test

@@ -20,22 +20,20 @@ std::string failureOf(Action action) {
         action();
         return {};
     } catch (const DatabaseError& error) {
-        return error.description().toStdString();
+        return error.what();
     }
 }
 
 /// The rows of `sql`, a line each, columns separated by "|", NULL as "∅".
-inline std::string dump(const Database& database, const QString& sql, int columns) {
-    QStringList lines;
-    (void)database.query(sql, {}, [&](const Row& row) {
+inline std::string dump(const Database& database, const QString& sql, int columns = 1) {
+    const auto lines = database.query(sql, {}, [columns](const Row& row) {
         QStringList texts;
         for (int column = 0; column < columns; ++column) {
             texts += row.isNull(column) ? QStringLiteral("∅") : row.text(column);
         }
-        lines += texts.join(u'|');
-        return 0;
+        return texts.join(u'|');
     });
-    return lines.join(u'\n').toStdString();
+    return QStringList(lines.begin(), lines.end()).join(u'\n').toStdString();
 }
 
 /// A fresh store at the current schema, opened as the application opens it. Its clock stands at `now`.
@@ -51,7 +49,11 @@ struct TemporaryStore {
         opened->database().executeScript(QStringLiteral("PRAGMA synchronous = OFF"));
         return opened;
     }
-    [[nodiscard]] Database& database() const { return repository->database(); }
+    Repository* operator->() const { return repository.get(); }
+    void execute(const QString& sql) const { repository->database().executeScript(sql); }
+    [[nodiscard]] std::string dump(const QString& sql, int columns = 1) const {
+        return test::dump(repository->database(), sql, columns);
+    }
 };
 
 } // namespace kestu::test
