@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// What the kernel shows of processes, and which of them started which. `procRoot` is where the kernel shows its processes: /proc, or a made-up one.
+// What the kernel shows of processes, and which of them started which. `procRoot` is where the kernel shows
+// its processes: /proc, or a made-up one.
 #pragma once
 
 #include <QByteArray>
