@@ -24,7 +24,11 @@ std::int64_t offsetFromUtc(const QTimeZone& zone, std::int64_t second) {
 }
 
 Instant startOf(QDate day, const QTimeZone& zone) {
-    return instantAt(static_cast<double>(day.startOfDay(zone).toMSecsSinceEpoch()) / 1000.0);
+    QDateTime start = day.startOfDay(zone);
+    if (!start.isValid()) { // a day left out by a zone that moved across the date line
+        start = day.addDays(1).startOfDay(zone);
+    }
+    return instantAt(static_cast<double>(start.toMSecsSinceEpoch()) / 1000.0);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "classify/DayAggregation.h"
 #include "reports/ReportText.h"
 
 #include <QStringList>
@@ -29,7 +30,8 @@ QString tagNames(const QSet<TagId>& ids, const ReportText& text) {
     for (const TagId id : ids) {
         names << text.tagName(id);
     }
-    names.sort();
+    // By code point: QString's own order puts emoji before the full-width marks.
+    std::ranges::sort(names, {}, &QString::toUcs4);
     return names.join(u';');
 }
 
@@ -38,7 +40,7 @@ QStringList fieldsOf(const ResolvedActivity& item, ReportText& text) {
     return {text.isoDate(activity.start),
             text.clock(activity.start),
             text.clock(activity.end),
-            QString::number(lengthOf(activity.start, activity.end).count() / 60.0, 'f', 1),
+            fixedText(secondsOf(item) / 60.0, 1),
             text.projectName(item.projectId),
             tagNames(item.tagIds, text),
             activity.appName,

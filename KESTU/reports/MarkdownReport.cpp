@@ -17,7 +17,7 @@ constexpr Seconds blockPause{120};
 constexpr double shortestBlock = 300;
 
 QString hoursText(double seconds) {
-    return QString::number(seconds / 3600.0, 'f', 2);
+    return fixedText(seconds / 3600.0, 2);
 }
 
 QString cell(QString text) {
@@ -74,7 +74,7 @@ private:
     }
 
     [[nodiscard]] QString share(double part) const {
-        return m_total > 0 ? QString::number(part / m_total * 100.0, 'f', 1) + u'%' : QStringLiteral("0%");
+        return m_total > 0 ? fixedText(part / m_total * 100.0, 1) + u'%' : QStringLiteral("0%");
     }
 
     [[nodiscard]] QString totalsRow(const QString& name, double seconds) const {

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reports/ReportText.h"
 
+#include <array>
+#include <charconv>
+#include <limits>
+
 namespace kestu {
 namespace {
 
@@ -9,6 +13,13 @@ QString twoDigits(int number) {
 }
 
 } // namespace
+
+QString fixedText(double number, int digits) {
+    // Every digit of the greatest double, a sign, a point and as many digits again as anybody asks for.
+    std::array<char, std::numeric_limits<double>::max_exponent10 + 16> text{};
+    const auto written = std::to_chars(text.begin(), text.end(), number, std::chars_format::fixed, digits);
+    return QString::fromLatin1(text.data(), written.ptr - text.data());
+}
 
 ReportText::ReportText(const ReportBuilder& report)
     : m_clock(report.calendar) {

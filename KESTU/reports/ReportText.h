@@ -13,6 +13,10 @@
 
 namespace kestu {
 
+/// `number` with so many digits behind the point, in every locale as printf writes it in C: the exact value
+/// is rounded, and a tie goes to the even digit (QString::number rounds ties up).
+[[nodiscard]] QString fixedText(double number, int digits);
+
 class ReportText final {
 public:
     /// `report` outlives this.
