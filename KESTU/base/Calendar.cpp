@@ -9,7 +9,10 @@
 namespace kestu {
 
 Calendar systemCalendar() {
-    return {.zone = QTimeZone::systemTimeZone(), .firstWeekday = QLocale::system().firstDayOfWeek()};
+    // Qt has no zone for some values of TZ that name none; the C library counts in UTC then.
+    const QTimeZone zone = QTimeZone::systemTimeZone();
+    return {.zone = zone.isValid() ? zone : QTimeZone::utc(),
+            .firstWeekday = QLocale::system().firstDayOfWeek()};
 }
 
 QString dayKey(Instant instant, const Calendar& calendar) {

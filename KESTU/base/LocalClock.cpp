@@ -23,12 +23,18 @@ std::int64_t offsetFromUtc(const QTimeZone& zone, std::int64_t second) {
     return zone.offsetFromUtc(QDateTime::fromSecsSinceEpoch(second, Qt::UTC));
 }
 
+/// The first second whose local date is `day`, or a later one where the zone left the day out. Searched for,
+/// because QDate::startOfDay() gives the second midnight where clocks go back over it (Havana each autumn),
+/// and nothing for a day left out (the date line).
 Instant startOf(QDate day, const QTimeZone& zone) {
-    QDateTime start = day.startOfDay(zone);
-    if (!start.isValid()) { // a day left out by a zone that moved across the date line
-        start = day.addDays(1).startOfDay(zone);
+    const std::int64_t midnight = (day.toJulianDay() - julianDayOfEpoch) * secondsOfDay;
+    std::int64_t before = midnight - secondsOfDay; // its local date is an earlier one
+    std::int64_t after = midnight + secondsOfDay;
+    while (after - before > 1) {
+        const std::int64_t middle = before + (after - before) / 2;
+        (middle + offsetFromUtc(zone, middle) < midnight ? before : after) = middle;
     }
-    return instantAt(static_cast<double>(start.toMSecsSinceEpoch()) / 1000.0);
+    return instantAt(static_cast<double>(after));
 }
 
 } // namespace
@@ -58,8 +64,8 @@ std::optional<LocalClock::LocalTime> LocalClock::at(Instant instant) {
 
 std::optional<Instant> LocalClock::startOfHour(Instant instant) {
     const auto local = at(instant);
-    return local ? std::optional(
-                       instantAt(std::floor(epochSeconds(instant)) - local->secondOfDay % secondsOfHour))
+    return local ? std::optional(instantAt(std::floor(epochSeconds(instant)) -
+                                           static_cast<double>(local->secondOfDay % secondsOfHour)))
                  : std::nullopt;
 }
 

@@ -47,7 +47,8 @@ QString decimalText(double number) {
 }
 
 QString foldedText(const QString& text) {
-    return text.toLower().normalized(QString::NormalizationForm_C);
+    // The lower case of a capital sigma depends on its place in the word, which toLower() does not regard.
+    return text.toLower().replace(u'ς', u'σ').normalized(QString::NormalizationForm_C);
 }
 
 } // namespace kestu

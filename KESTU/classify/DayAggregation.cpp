@@ -7,8 +7,7 @@
 #include <QHash>
 
 #include <algorithm>
-#include <map>
-#include <ranges>
+#include <cmath>
 #include <unordered_map>
 
 namespace kestu {
@@ -57,7 +56,8 @@ private:
 
 QStringList mostOf(const Sums<QString>& sums) {
     QStringList names;
-    for (const auto& [name, seconds] : sums.sorted() | std::views::take(mostSamples)) {
+    const auto sorted = sums.sorted();
+    for (const auto& [name, seconds] : std::span(sorted).first(std::min(sorted.size(), mostSamples))) {
         names << name;
     }
     return names;
@@ -67,13 +67,32 @@ QString domainOf(const Activity& activity) {
     return activity.domain.value_or(QString());
 }
 
+/// In time order, without those that have no place in it because their times are not finite.
 std::vector<const ResolvedActivity*> byStart(Items items) {
     std::vector<const ResolvedActivity*> sorted;
     for (const ResolvedActivity& item : items) {
-        sorted.push_back(&item);
+        if (std::isfinite(epochSeconds(item.activity.start)) &&
+            std::isfinite(epochSeconds(item.activity.end))) {
+            sorted.push_back(&item);
+        }
     }
     std::ranges::stable_sort(sorted, {}, [](const ResolvedActivity* item) { return item->activity.start; });
     return sorted;
+}
+
+/// The starts of the local days that `range` touches, and the end of the last one; none for a range that no
+/// calendar can express.
+std::vector<Instant> dayBounds(const Interval& range, const Calendar& calendar) {
+    LocalClock clock(calendar);
+    const auto first = clock.startOfDay(range.start);
+    if (!first || !clock.at(range.end)) {
+        return {};
+    }
+    std::vector<Instant> bounds{*first};
+    while (bounds.back() < range.end) {
+        bounds.push_back(*clock.startOfDayAfter(bounds.back(), 1));
+    }
+    return bounds;
 }
 
 QString labelOf(const Activity& activity) {
@@ -230,7 +249,7 @@ std::vector<Interval> gaps(Items items, Seconds minimum) {
         return found;
     }
     Instant cursor = sorted.front()->activity.end;
-    for (const ResolvedActivity* item : sorted | std::views::drop(1)) {
+    for (const ResolvedActivity* item : sorted) {
         if (item->activity.start - cursor >= minimum) {
             found.push_back({.start = cursor, .end = item->activity.start});
         }
@@ -240,28 +259,22 @@ std::vector<Interval> gaps(Items items, Seconds minimum) {
 }
 
 std::vector<DailyTotal> dailyTotals(Items items, const Interval& range, const Calendar& calendar) {
-    LocalClock clock(calendar);
-    const auto first = clock.startOfDay(range.start);
-    const auto beyond = clock.startOfDay(range.end);
-    if (!first || !beyond) {
-        return {};
-    }
-    // Whole days: a range that ends inside a day takes all of it.
-    const Instant end = *beyond == range.end ? *beyond : *clock.startOfDayAfter(range.end, 1);
-    std::map<Instant, Sums<std::optional<ProjectId>>> days;
+    const std::vector<Instant> bounds = dayBounds(range, calendar);
+    std::vector<Sums<std::optional<ProjectId>>> days(bounds.size()); // the last one stays empty
     for (const ResolvedActivity& item : items) {
-        const Instant itemEnd = std::min(item.activity.end, end);
-        for (Instant start = std::max(item.activity.start, *first); start < itemEnd;) {
-            const Instant nextDay = *clock.startOfDayAfter(start, 1);
-            days[*clock.startOfDay(start)].add(item.projectId,
-                                               lengthOf(start, std::min(itemEnd, nextDay)).count());
-            start = nextDay;
+        const Activity& activity = item.activity;
+        const auto later = std::ranges::upper_bound(bounds, activity.start) - bounds.begin();
+        for (auto day = static_cast<std::size_t>(std::max<std::ptrdiff_t>(later - 1, 0));
+             day + 1 < bounds.size() && activity.end > std::max(activity.start, bounds[day]); ++day) {
+            const Instant from = std::max(activity.start, bounds[day]);
+            const Instant to = std::min(activity.end, bounds[day + 1]);
+            days[day].add(item.projectId, lengthOf(from, to).count());
         }
     }
     std::vector<DailyTotal> totals;
-    for (const auto& [day, sums] : days) {
-        for (const auto& [projectId, seconds] : sums.sorted()) {
-            totals.push_back({.day = day, .projectId = projectId, .seconds = seconds});
+    for (std::size_t day = 0; day < days.size(); ++day) {
+        for (const auto& [projectId, seconds] : days[day].sorted()) {
+            totals.push_back({.day = bounds[day], .projectId = projectId, .seconds = seconds});
         }
     }
     return totals;

@@ -12,7 +12,7 @@ QString formatDuration(double seconds) {
     }
     constexpr double longest = 9.0e15; // keeps the count of minutes inside its type
     const auto minutes = static_cast<std::int64_t>(std::min(seconds, longest) / 60.0);
-    const QString rest = QStringLiteral("%1分").arg(minutes % 60);
+    QString rest = QStringLiteral("%1分").arg(minutes % 60);
     if (minutes < 60) {
         return rest;
     }

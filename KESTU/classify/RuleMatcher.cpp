@@ -25,6 +25,12 @@ bool anyCandidate(RuleField field, const Activity& activity, Test test) {
     return false;
 }
 
+/// Ascending, each once.
+void sortOnce(std::vector<int>& rules) {
+    std::ranges::sort(rules);
+    rules.erase(std::unique(rules.begin(), rules.end()), rules.end());
+}
+
 QString needleOf(const Rule& rule) {
     return foldedText(trimmedBlanks(rule.value));
 }
@@ -74,9 +80,7 @@ const std::vector<int>& RuleMatcher::matchingRules(const Activity& activity) {
             return false;
         });
     }
-    std::ranges::sort(m_matching);
-    const auto repeated = std::ranges::unique(m_matching);
-    m_matching.erase(repeated.begin(), repeated.end());
+    sortOnce(m_matching);
     return m_matching;
 }
 
@@ -104,6 +108,7 @@ std::vector<int> RuleMatcher::FieldMatcher::search(const QString& text) const {
             }
         }
     }
+    sortOnce(found);
     return found;
 }
 
