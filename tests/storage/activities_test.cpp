@@ -79,36 +79,31 @@ TEST_F(Activities, AreTaggedAllOrNone) {
 }
 
 TEST_F(Activities, GiveWayToAnEntryMadeByHand) {
-    struct Interval {
-        double start;
-        double end;
-        bool isManual = false;
-    };
     const struct {
         const char* name;
-        std::vector<Interval> before; // ids 1, 2, 3 in this order
+        QString before;    // start, end and is_manual of the ids 1, 2, 3
         const char* after; // id|start|end|is_manual with an entry over 100 to 200; freed ids return
     } rows[] = {
-        {"exactly covered", {{100, 200}}, "1|100|200|1"},
-        {"covered, and one of no length", {{120, 150}, {150, 150}}, "1|100|200|1"},
-        {"over both sides: the tail is new", {{50, 300}}, "1|50|100|0\n3|100|200|1\n2|200|300|0"},
-        {"over the beginning, to the very end", {{50, 200}}, "1|50|100|0\n2|100|200|1"},
-        {"over the end, from the very beginning", {{100, 300}}, "2|100|200|1\n1|200|300|0"},
-        {"one of each", {{90, 110}, {110, 160}, {160, 220}}, "1|90|100|0\n4|100|200|1\n3|200|220|0"},
-        {"neighbours stay", {{50, 100}, {200, 250}}, "1|50|100|0\n3|100|200|1\n2|200|250|0"},
-        {"made by hand stays", {{50, 300, true}, {120, 130, true}}, "1|50|300|1\n3|100|200|1\n2|120|130|1"},
+        {"exactly covered", u"(100, 200, 0)"_s, "1|100|200|1"},
+        {"covered, and one of no length", u"(120, 150, 0), (150, 150, 0)"_s, "1|100|200|1"},
+        {"over both sides: the tail is new", u"(50, 300, 0)"_s, "1|50|100|0\n3|100|200|1\n2|200|300|0"},
+        {"over the beginning, to the very end", u"(50, 200, 0)"_s, "1|50|100|0\n2|100|200|1"},
+        {"over the end, from the very beginning", u"(100, 300, 0)"_s, "2|100|200|1\n1|200|300|0"},
+        {"one of each", u"(90, 110, 0), (110, 160, 0), (160, 220, 0)"_s,
+         "1|90|100|0\n4|100|200|1\n3|200|220|0"},
+        {"neighbours stay", u"(50, 100, 0), (200, 250, 0)"_s, "1|50|100|0\n3|100|200|1\n2|200|250|0"},
+        {"made by hand stays", u"(50, 300, 1), (120, 130, 1)"_s, "1|50|300|1\n3|100|200|1\n2|120|130|1"},
     };
     for (const auto& row : rows) {
-        store.execute(u"DELETE FROM activity"_s);
-        for (const Interval& interval : row.before) {
-            interval.isManual ? store->insertManualEntry(entryFrom(interval.start, interval.end))
-                              : record(interval.start, interval.end);
-        }
-        store->insertManualEntry(entryFrom(100, 200));
+        store.execute(
+            u"DELETE FROM activity; INSERT INTO activity (bundle_id, app_name, start, end, is_manual) "
+            "SELECT '', '', * FROM (VALUES "_s +
+            row.before + u')');
+        const ActivityId id = store->insertManualEntry(entryFrom(100, 200));
         EXPECT_EQ(intervals(), row.after) << row.name;
+        EXPECT_EQ(store.dump(u"SELECT bundle_id, app_name, title FROM activity WHERE id = %1"_s.arg(id), 3),
+                  "kestu.manual|手動|会議");
     }
-    EXPECT_EQ(store.dump(u"SELECT DISTINCT bundle_id, app_name, title FROM activity"_s, 3),
-              "kestu.manual|手動|会議");
 }
 
 // Every recorded activity here has an application of its own, by which its pieces are known.
@@ -145,7 +140,7 @@ TEST_F(Activities, LoseNoSecondOutsideEntriesMadeByHandAndKeepNoneInside) {
         for (int entries = 0; entries < 8; ++entries) {
             const auto [start, last] = std::minmax({second(random), second(random)});
             auto expected = recorded();
-            std::erase_if(expected, [&](const auto& of) { return start <= of.first && of.first <= last; });
+            expected.erase(expected.lower_bound({start, 0}), expected.lower_bound({last + 1, 0}));
             store->insertManualEntry(entryFrom(start, last + 1));
             ASSERT_TRUE(recorded() == expected) << round << ": " << start << " to " << last + 1;
         }

@@ -127,22 +127,20 @@ TEST(Suggestions, ThatFailInAnyStepChangeNothing) {
 TEST(DailyNotes, AreTrimmedAndClearedWhenNothingIsLeft) {
     TemporaryStore store;
     const QString day = u"2026-03-05"_s;
-    const std::pair<QString, QString> rows[] = {
-        // what is saved, and what then is stored
-        {u" \u3000実装\r\n  と試験 \u2028\n"_s, u"実装\r\n  と試験"_s},
-        {u"\t\n\u3000\r"_s, {}},
-        {u"二度目"_s, u"二度目"_s},
-        {{}, {}},
-    };
-    for (const auto& [saved, stored] : rows) {
-        store.execute(u"INSERT OR IGNORE INTO daily_note VALUES ('2026-03-05', 'x', 'assistant', 0)"_s);
+    const auto save = [&](const QString& summary) {
         store.now += Seconds(1);
-        store->saveDailyNote(day, saved, u"user"_s);
-        const auto expected =
-            stored.isEmpty() ? std::nullopt : std::optional(DailyNote{day, stored, u"user"_s, store.now});
-        EXPECT_EQ(store->dailyNote(day), expected) << saved.toStdString();
-    }
+        store->saveDailyNote(day, summary, u"user"_s);
+    };
+    store.execute(u"INSERT INTO daily_note VALUES ('2026-03-05', 'x', 'assistant', 0)"_s);
+    save(u" \u3000実装\r\n  と試験 \u2028\n"_s);
+    EXPECT_EQ(store->dailyNote(day), (DailyNote{day, u"実装\r\n  と試験"_s, u"user"_s, store.now}));
+    save(u"\t\n\u3000\r"_s);
+    EXPECT_FALSE(store->dailyNote(day));
+    save(u"二度目"_s);
+    EXPECT_EQ(store->dailyNote(day), (DailyNote{day, u"二度目"_s, u"user"_s, store.now}));
     EXPECT_FALSE(store->dailyNote(u"2026-03-06"_s));
+    save({});
+    EXPECT_FALSE(store->dailyNote(day));
 }
 
 } // namespace

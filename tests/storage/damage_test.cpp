@@ -44,14 +44,15 @@ TEST(DamagedStore, IsRefusedWithTheReasonAndLeftAsItWas) {
         {u"readonly"_s, "open failed: attempt to write a readonly database"},
     };
     for (const auto& [name, message] : rows) {
-        const QByteArray before = contentsOf(in(name));
+        const QString path = in(name);
+        const QByteArray before = contentsOf(path);
         // Root may write everything, so it steps aside; anybody else cannot, and need not.
         constexpr uid_t nobody = 65534;
         const uid_t user = ::geteuid();
         const bool hasSteppedAside = name == u"readonly" && ::seteuid(nobody) == 0;
-        EXPECT_EQ(failureOf([&] { const Database opened(in(name)); }), message);
+        EXPECT_EQ(failureOf([&] { const Database opened(path); }), message);
         ASSERT_TRUE(!hasSteppedAside || ::seteuid(user) == 0);
-        EXPECT_TRUE(contentsOf(in(name)) == before) << name.toStdString();
+        EXPECT_TRUE(contentsOf(path) == before) << name.toStdString();
     }
     EXPECT_FALSE(QFileInfo::exists(in(u"missing"_s)));
 }

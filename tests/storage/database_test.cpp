@@ -20,14 +20,12 @@ using test::TemporaryStore;
 TEST(Database, FailuresNameTheMessageAndTheStatement) {
     Database database(u":memory:"_s);
     database.executeScript(u"CREATE TABLE t (x UNIQUE); INSERT INTO t VALUES (1)"_s);
-    const std::pair<QString, const char*> rows[] = {
-        {u"SELECT nonsense"_s, "no such column: nonsense — SELECT nonsense"},
-        {u"INSERT INTO t VALUES (1)"_s, "UNIQUE constraint failed: t.x — INSERT INTO t VALUES (1)"},
-        {{}, "not an error — "},
-    };
-    for (const auto& [sql, message] : rows) {
-        EXPECT_EQ(failureOf([&] { database.run(sql); }), message);
-    }
+    const QString duplicate = u"INSERT INTO t VALUES (1)"_s;
+    EXPECT_EQ(failureOf([&] { database.run(duplicate); }),
+              "UNIQUE constraint failed: t.x — " + duplicate.toStdString());
+    EXPECT_EQ(failureOf([&] { database.run(u"SELECT nonsense"_s); }),
+              "no such column: nonsense — SELECT nonsense");
+    EXPECT_EQ(failureOf([&] { database.run({}); }), "not an error — ");
     EXPECT_EQ(failureOf([&] { database.executeScript(u"DELETE FROM t; SELECT nonsense;"_s); }),
               "no such column: nonsense — DELETE FROM t; SELECT nonsense;");
     database.executeScript(u"DROP TABLE t"_s); // a failed statement is finished and keeps no lock
