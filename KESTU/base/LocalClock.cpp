@@ -58,9 +58,11 @@ std::optional<LocalClock::LocalTime> LocalClock::at(Instant instant) {
 
 std::optional<Instant> LocalClock::startOfHour(Instant instant) {
     const auto local = at(instant);
-    return local ? std::optional(
-                       instantAt(std::floor(epochSeconds(instant)) - local->secondOfDay % secondsOfHour))
-                 : std::nullopt;
+    if (!local) {
+        return std::nullopt;
+    }
+    const auto secondOfHour = static_cast<double>(local->secondOfDay % secondsOfHour);
+    return instantAt(std::floor(epochSeconds(instant)) - secondOfHour);
 }
 
 std::optional<Instant> LocalClock::startOfDay(Instant instant) {
