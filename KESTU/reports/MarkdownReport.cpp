@@ -6,13 +6,14 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <ranges>
+#include <map>
+#include <span>
 
 namespace kestu {
 namespace {
 
-constexpr std::ptrdiff_t mostNamed = 10;
-constexpr std::ptrdiff_t mostTitles = 5;
+constexpr std::size_t mostNamed = 10;
+constexpr std::size_t mostTitles = 5;
 constexpr Seconds blockPause{120};
 constexpr double shortestBlock = 300;
 
@@ -22,6 +23,10 @@ QString hoursText(double seconds) {
 
 QString cell(QString text) {
     return text.replace(u'|', u'｜').replace(u'\n', u' ');
+}
+
+std::span<const NamedTotals::value_type> firstOf(const NamedTotals& totals, std::size_t most) {
+    return std::span(totals).first(std::min(most, totals.size()));
 }
 
 /// Writes the document from top to bottom; every section ends with one empty line.
@@ -181,7 +186,7 @@ private:
                                            [&](const DailyTotal& total) { return total.day != first->day; });
             double seconds = 0;
             QStringList parts;
-            for (const DailyTotal& total : std::ranges::subrange(first, last)) {
+            for (const DailyTotal& total : std::span(first, last)) {
                 seconds += total.seconds;
                 parts << m_text.projectName(total.projectId) + u' ' + formatDuration(total.seconds);
             }
@@ -194,7 +199,7 @@ private:
 
     void ranking(const QString& heading, const NamedTotals& totals) {
         line(heading);
-        for (const auto& [name, seconds] : totals | std::views::take(mostNamed)) {
+        for (const auto& [name, seconds] : firstOf(totals, mostNamed)) {
             line(QStringLiteral("- ") + name + u'：' + formatDuration(seconds));
         }
         endSection();
@@ -205,23 +210,25 @@ private:
             ranking(QStringLiteral("## よく見たサイト（上位10）"), sites);
         }
         line(QStringLiteral("## プロジェクトごとの主な作業（ウィンドウ名の上位）"));
+        const auto itemsOf = itemsByProject();
         for (const auto& [id, seconds] : m_projects) {
-            const NamedTotals titles = titleTotals(itemsOf(id));
+            const NamedTotals titles = titleTotals(itemsOf.at(id));
             if (titles.empty()) {
                 continue;
             }
             line(QStringLiteral("### %1（%2）").arg(m_text.projectName(id), formatDuration(seconds)));
-            for (const auto& [title, titleSeconds] : titles | std::views::take(mostTitles)) {
+            for (const auto& [title, titleSeconds] : firstOf(titles, mostTitles)) {
                 line(QStringLiteral("- ") + title + u'：' + formatDuration(titleSeconds));
             }
         }
         endSection();
     }
 
-    [[nodiscard]] std::vector<ResolvedActivity> itemsOf(const std::optional<ProjectId>& project) const {
-        std::vector<ResolvedActivity> items;
-        std::ranges::copy_if(m_report.items, std::back_inserter(items),
-                             [&](const ResolvedActivity& item) { return item.projectId == project; });
+    [[nodiscard]] std::map<std::optional<ProjectId>, std::vector<ResolvedActivity>> itemsByProject() const {
+        std::map<std::optional<ProjectId>, std::vector<ResolvedActivity>> items;
+        for (const ResolvedActivity& item : m_report.items) {
+            items[item.projectId].push_back(item);
+        }
         return items;
     }
 
