@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// What takes more records than the golden reports hold.
+// What the golden reports are too short to show.
 #include "reports/ReportBuilder.h"
 #include "reports/ReportPeriod.h"
 
@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <tuple>
+#include <utility>
 
 namespace kestu {
 namespace {
@@ -64,6 +65,17 @@ TEST(MarkdownReport, NamesTheTenFirstAppsAndSitesAndTheFiveFirstTitles) {
     EXPECT_TRUE(text.contains(u"\n- m：12分\n- l：11分\n"));
     EXPECT_EQ(text.count(QRegularExpression(u"\n- .：\\d+分"_s)), 10 + 10);
     EXPECT_EQ(text.count(QRegularExpression(u"\n- .：.：\\d+分"_s)), 5);
+}
+
+TEST(MarkdownReport, JoinsOverPausesOfTwoMinutesAndRoundsTiesToEven) {
+    ReportBuilder report = monthIn("Asia/Tokyo", 1794970800);
+    for (const auto& [offset, seconds] : {std::pair(0, 300), {420, 150}, {691, 1800}}) {
+        report.items.push_back(item(report.range.start + Seconds(offset), seconds, u"端末"_s));
+    }
+    const QString text = report.markdown();
+    EXPECT_TRUE(text.contains(u"（0.62時間）\n")) << text.toStdString(); // 0.625
+    EXPECT_TRUE(text.endsWith(u"- 00:00–00:09 未分類（7分）：端末\n- 00:11–00:41 未分類（30分）：端末\n"))
+        << text.toStdString();
 }
 
 TEST(CsvReport, SortsTagsByTheirNamesCodePoints) {
