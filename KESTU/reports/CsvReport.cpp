@@ -17,12 +17,14 @@ QString quotedWhereNeeded(QString field) {
     return needsQuotes ? u'"' + field.replace(u'"', QStringLiteral("\"\"")) + u'"' : field;
 }
 
-QString csvLine(const QStringList& fields) {
-    QStringList quoted;
-    for (const QString& field : fields) {
-        quoted << quotedWhereNeeded(field);
+void appendLine(QString& csv, const QStringList& fields) {
+    for (qsizetype place = 0; place < fields.size(); ++place) {
+        if (place > 0) {
+            csv += u',';
+        }
+        csv += quotedWhereNeeded(fields[place]);
     }
-    return quoted.join(u',');
+    csv += lineEnd;
 }
 
 QString tagNames(const QSet<TagId>& ids, const ReportText& text) {
@@ -60,14 +62,13 @@ QString ReportBuilder::csv() const {
     std::ranges::stable_sort(sorted, {}, [](const ResolvedActivity* item) { return item->activity.start; });
 
     ReportText text(*this);
-    QString csv = QChar(QChar::ByteOrderMark) +
-                  csvLine({QStringLiteral("日付"), QStringLiteral("開始"), QStringLiteral("終了"),
-                           QStringLiteral("分"), QStringLiteral("プロジェクト"), QStringLiteral("タグ"),
-                           QStringLiteral("アプリ"), QStringLiteral("ウィンドウ名"),
-                           QStringLiteral("ドメイン"), QStringLiteral("URL"), QStringLiteral("種類")}) +
-                  lineEnd;
+    QString csv(QChar::ByteOrderMark);
+    appendLine(csv, {QStringLiteral("日付"), QStringLiteral("開始"), QStringLiteral("終了"),
+                     QStringLiteral("分"), QStringLiteral("プロジェクト"), QStringLiteral("タグ"),
+                     QStringLiteral("アプリ"), QStringLiteral("ウィンドウ名"), QStringLiteral("ドメイン"),
+                     QStringLiteral("URL"), QStringLiteral("種類")});
     for (const ResolvedActivity* item : sorted) {
-        csv += csvLine(fieldsOf(*item, text)) + lineEnd;
+        appendLine(csv, fieldsOf(*item, text));
     }
     return csv;
 }

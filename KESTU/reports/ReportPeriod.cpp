@@ -34,7 +34,7 @@ QDate moved(ReportPeriod period, QDate day, int units) {
     case ReportPeriod::day:
         return day.addDays(units);
     case ReportPeriod::week:
-        return day.addDays(7 * units);
+        return day.addDays(qint64{7} * units);
     case ReportPeriod::month:
         return day.addMonths(units);
     }

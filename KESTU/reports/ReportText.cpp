@@ -9,7 +9,8 @@ namespace kestu {
 namespace {
 
 QString twoDigits(int number) {
-    return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
+    const std::array digits{QChar(u'0' + number / 10), QChar(u'0' + number % 10)};
+    return QString(digits.data(), digits.size());
 }
 
 } // namespace

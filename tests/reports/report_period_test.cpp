@@ -33,8 +33,10 @@ TEST(ReportPeriod, IsTheCalendarUnitAroundTheAnchorAndNamesItsFile) {
         {"Europe/Berlin", day, "2026-03-29 12:00", "2026-03-29 00:00", 23, "kestu-2026-03-29.md"},
         {"Europe/Berlin", week, "2026-10-25 12:00", "2026-10-19 00:00", 169, "kestu-week-2026-10-19.md"},
         {"Europe/Berlin", month, "2026-10-01 00:00", "2026-10-01 00:00", 745, "kestu-2026-10.md"},
-        // The clocks leave its midnight out.
+        {"Europe/Berlin", day, "2026-10-25 12:00", "2026-10-25 00:00", 25, "kestu-2026-10-25.md"},
+        // The clocks leave its midnight out, and a whole day.
         {"America/Sao_Paulo", day, "2018-11-04 12:00", "2018-11-04 01:00", 23, "kestu-2018-11-04.md"},
+        {"Pacific/Apia", day, "2011-12-29 12:00", "2011-12-29 00:00", 24, "kestu-2011-12-29.md"},
     };
     for (const auto& row : rows) {
         // A system whose weeks begin on Sunday must not matter.
@@ -50,14 +52,15 @@ TEST(ReportPeriod, StepsKeepTheTimeOfDayAndClampTheDay) {
     const Calendar berlin = reportCalendar({.zone = QTimeZone("Europe/Berlin")});
     const struct {
         ReportPeriod period;
-        const char* from;
         StepDirection direction;
+        const char* from;
         const char* to;
     } rows[] = {
-        {day, "2026-03-28 09:00", StepDirection::forward, "2026-03-29 09:00"},
-        {week, "2026-10-26 09:00", StepDirection::back, "2026-10-19 09:00"},
-        {month, "2026-01-31 09:00", StepDirection::forward, "2026-02-28 09:00"},
-        {month, "2026-01-15 09:00", StepDirection::back, "2025-12-15 09:00"},
+        {day, StepDirection::forward, "2026-03-28 09:00", "2026-03-29 09:00"},
+        {day, StepDirection::forward, "2026-03-28 02:30", "2026-03-29 03:30"}, // 02:30 is left out
+        {week, StepDirection::back, "2026-10-26 09:00", "2026-10-19 09:00"},
+        {month, StepDirection::forward, "2026-01-31 09:00", "2026-02-28 09:00"},
+        {month, StepDirection::back, "2026-01-15 09:00", "2025-12-15 09:00"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(step(row.period, at(row.from, berlin), row.direction, berlin), at(row.to, berlin))
