@@ -29,10 +29,6 @@ QString cell(QString text) {
     return text.replace(u'|', u'｜').replace(u'\n', u' ');
 }
 
-std::span<const NamedTotals::value_type> firstOf(const NamedTotals& totals, std::size_t most) {
-    return std::span(totals).first(std::min(most, totals.size()));
-}
-
 /// Writes the document from top to bottom; every section ends with one empty line.
 class MarkdownWriter final {
 public:

@@ -93,6 +93,7 @@ TEST(Resolution, OfManyGivesTheAnswersOfEachRuleByItself) {
             rules.push_back(ruleFor(id, kind, pick(allRuleFields), pick(allRuleOperators), text(3)));
         }
         std::vector<Activity> activities;
+        activities.reserve(60);
         for (int i = 0; i < 60; ++i) {
             activities.push_back(
                 activityOf(text(4), text(6), random() % 2 == 0 ? std::optional(text(5)) : std::nullopt));
