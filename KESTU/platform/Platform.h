@@ -5,11 +5,14 @@
 
 namespace kestu {
 
+class Accessibility;
+class Appearance;
 class BrowserScripting;
 class DisplayAssertions;
 class LoginItem;
 class Opener;
 class SettingsStore;
+class SoftwareUpdates;
 class SystemEvents;
 class UserInput;
 class Workspace;
@@ -26,6 +29,9 @@ public:
     [[nodiscard]] virtual SettingsStore& settingsStore() = 0;
     [[nodiscard]] virtual LoginItem& loginItem() = 0;
     [[nodiscard]] virtual Opener& opener() = 0;
+    [[nodiscard]] virtual Accessibility& accessibility() = 0;
+    [[nodiscard]] virtual SoftwareUpdates& softwareUpdates() = 0;
+    [[nodiscard]] virtual Appearance& appearance() = 0;
 };
 
 } // namespace kestu

@@ -4,15 +4,22 @@
 #pragma once
 
 #include "base/Time.h"
+#include "platform/Accessibility.h"
+#include "platform/Appearance.h"
 #include "platform/BrowserScripting.h"
 #include "platform/DisplayAssertions.h"
+#include "platform/LoginItem.h"
+#include "platform/Opener.h"
 #include "platform/Platform.h"
+#include "platform/PlatformError.h"
+#include "platform/SettingsStore.h"
+#include "platform/SoftwareUpdates.h"
 #include "platform/SystemEvents.h"
 #include "platform/UserInput.h"
 #include "platform/Workspace.h"
 
 #include <functional>
-#include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace kestu::test {
@@ -67,11 +74,112 @@ struct FakeAssertions final : DisplayAssertions {
     [[nodiscard]] std::optional<QStringList> heldBy(const FrontmostApplication&) override { return types; }
 };
 
+/// Keeps values; with a refusal every write fails with it.
+struct FakeSettings final : SettingsStore {
+    QMap<QString, int> integers;
+    QMap<QString, bool> booleans;
+    QMap<QString, QMap<QString, QString>> dictionaries;
+    QString refusal;
+
+    [[nodiscard]] std::optional<int> integer(const QString& key) const override {
+        return stored(integers, key);
+    }
+    [[nodiscard]] std::optional<bool> boolean(const QString& key) const override {
+        return stored(booleans, key);
+    }
+    [[nodiscard]] std::optional<QMap<QString, QString>> dictionary(const QString& key) const override {
+        return stored(dictionaries, key);
+    }
+    void setInteger(const QString& key, int value) override { store(integers, key, value); }
+    void setBoolean(const QString& key, bool value) override { store(booleans, key, value); }
+    void setDictionary(const QString& key, const QMap<QString, QString>& value) override {
+        store(dictionaries, key, value);
+    }
+
+private:
+    template<class Value>
+    [[nodiscard]] static std::optional<Value> stored(const QMap<QString, Value>& values, const QString& key) {
+        return values.contains(key) ? std::optional(values[key]) : std::nullopt;
+    }
+    template<class Value>
+    void store(QMap<QString, Value>& values, const QString& key, const Value& value) const {
+        if (!refusal.isEmpty()) {
+            throw PlatformError(refusal);
+        }
+        values[key] = value;
+    }
+};
+
+struct FakeLoginItem final : LoginItem {
+    bool enabled = false;
+    QString refusal;
+
+    [[nodiscard]] bool isEnabled() const override { return enabled; }
+    void enable() override { set(true); }
+    void disable() override { set(false); }
+
+private:
+    void set(bool value) {
+        if (!refusal.isEmpty()) {
+            throw PlatformError(refusal);
+        }
+        enabled = value;
+    }
+};
+
+struct FakeOpener final : Opener {
+    QStringList folders;
+    QList<QUrl> addresses;
+
+    void openFolder(const QString& path) override { folders << path; }
+    void openAddress(const QUrl& address) override { addresses << address; }
+};
+
+struct FakeAccessibility final : Accessibility {
+    bool granted = true;
+    bool grantsOnRequest = false;
+    int requests = 0;
+    int settingsOpened = 0;
+
+    [[nodiscard]] bool isGranted() override { return granted; }
+    [[nodiscard]] bool request() override {
+        ++requests;
+        granted = granted || grantsOnRequest;
+        return granted;
+    }
+    void openSettings() override { ++settingsOpened; }
+};
+
+/// Answers when the test says so.
+struct FakeUpdates final : SoftwareUpdates {
+    std::vector<std::function<void(const UpdateAnswer&)>> asked;
+
+    void check(std::function<void(const UpdateAnswer&)> answered) override {
+        asked.push_back(std::move(answered));
+    }
+};
+
+struct FakeAppearance final : Appearance {
+    std::optional<ColorScheme> scheme;
+
+    [[nodiscard]] std::optional<ColorScheme> colorScheme() const override { return scheme; }
+    void set(ColorScheme to) {
+        scheme = to;
+        Q_EMIT colorSchemeChanged();
+    }
+};
+
 struct FakePlatform final : Platform {
     FakeWorkspace fakeWorkspace;
     FakeScripting fakeScripting;
     FakeInput fakeInput;
     FakeAssertions fakeAssertions;
+    FakeSettings fakeSettings;
+    FakeLoginItem fakeLoginItem;
+    FakeOpener fakeOpener;
+    FakeAccessibility fakeAccessibility;
+    FakeUpdates fakeUpdates;
+    FakeAppearance fakeAppearance;
     SystemEvents events;
 
     [[nodiscard]] Workspace& workspace() override { return fakeWorkspace; }
@@ -79,11 +187,12 @@ struct FakePlatform final : Platform {
     [[nodiscard]] UserInput& userInput() override { return fakeInput; }
     [[nodiscard]] DisplayAssertions& displayAssertions() override { return fakeAssertions; }
     [[nodiscard]] SystemEvents& systemEvents() override { return events; }
-    [[nodiscard]] SettingsStore& settingsStore() override {
-        throw std::logic_error("capture has no settings");
-    }
-    [[nodiscard]] LoginItem& loginItem() override { throw std::logic_error("capture has no login item"); }
-    [[nodiscard]] Opener& opener() override { throw std::logic_error("capture opens nothing"); }
+    [[nodiscard]] SettingsStore& settingsStore() override { return fakeSettings; }
+    [[nodiscard]] LoginItem& loginItem() override { return fakeLoginItem; }
+    [[nodiscard]] Opener& opener() override { return fakeOpener; }
+    [[nodiscard]] Accessibility& accessibility() override { return fakeAccessibility; }
+    [[nodiscard]] SoftwareUpdates& softwareUpdates() override { return fakeUpdates; }
+    [[nodiscard]] Appearance& appearance() override { return fakeAppearance; }
 };
 
 } // namespace kestu::test

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The one observable state that every screen reads, and every action of the user. It owns the store and the
+// tracker, keeps what is shown fresh (after each report of the tracker, each edit, and each write of another
+// process), and keeps the settings. Each field has one signal, emitted only when its value really changed.
+// Created once at the start and alive until the end; main thread only.
+#pragma once
+
+#include "app/ManualDraft.h"
+#include "app/SidebarItem.h"
+#include "base/Calendar.h"
+#include "base/Time.h"
+#include "capture/Tracker.h"
+#include "classify/DayAggregation.h"
+#include "platform/SoftwareUpdates.h"
+#include "storage/Repository.h"
+
+#include <QHash>
+#include <QMap>
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace kestu {
+
+class Platform;
+
+class AppModel final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Environment {
+        Clock clock;                        // seconds since the Unix epoch
+        std::function<Calendar()> calendar; // the user's calendar at this moment
+        QString screen;                     // the raw value of the screen to begin with; else the timeline
+        std::chrono::milliseconds watchInterval{3000}; // between two looks for another process's writes
+    };
+
+    /// Takes over the opened store and loads today; `platform` outlives this.
+    AppModel(std::unique_ptr<Repository> repository, Platform& platform, Environment environment);
+    ~AppModel() override;
+    AppModel(const AppModel&) = delete;
+    AppModel& operator=(const AppModel&) = delete;
+
+    // What the screens read
+
+    [[nodiscard]] bool userPaused() const { return m_userPaused; }
+    [[nodiscard]] SidebarItem screen() const { return m_screen; }
+    [[nodiscard]] Instant selectedDay() const { return m_selectedDay; } // the start of a local day
+    [[nodiscard]] std::optional<ActivityId> selectedActivityId() const { return m_selectedActivityId; }
+    [[nodiscard]] const std::optional<ManualDraft>& manualDraft() const { return m_manualDraft; }
+    [[nodiscard]] const std::vector<Project>& projects() const { return m_projects; }
+    [[nodiscard]] const std::vector<Tag>& tags() const { return m_tags; }
+    [[nodiscard]] const std::vector<Rule>& rules() const { return m_rules; }
+    [[nodiscard]] const std::vector<RuleSuggestion>& suggestions() const { return m_suggestions; }
+    /// Seconds of the last 30 days that each suggestion would classify.
+    [[nodiscard]] const QHash<SuggestionId, double>& suggestionImpacts() const { return m_suggestionImpacts; }
+    [[nodiscard]] const std::optional<DailyNote>& dayNote() const { return m_dayNote; }
+    /// The selected day's activities, clipped to it.
+    [[nodiscard]] const std::vector<ResolvedActivity>& dayItems() const { return m_dayItems; }
+    [[nodiscard]] double todayTotal() const { return m_todayTotal; } // seconds recorded today
+    [[nodiscard]] bool isTracking() const { return m_isTracking; }
+    [[nodiscard]] const std::optional<Sample>& currentSample() const { return m_currentSample; }
+    [[nodiscard]] bool accessibilityGranted() const { return m_accessibilityGranted; }
+    [[nodiscard]] const std::optional<QString>& errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] std::int64_t revision() const { return m_revision; } // grows with every reload of the day
+    [[nodiscard]] int idleMinutes() const { return m_idleMinutes; }
+    [[nodiscard]] bool keepAliveEnabled() const { return m_keepAliveEnabled; }
+    /// Applications that are never recorded: bundle id -> name.
+    [[nodiscard]] const QMap<QString, QString>& excludedApps() const { return m_excludedApps; }
+    [[nodiscard]] bool launchAtLogin() const { return m_launchAtLogin; }
+    [[nodiscard]] bool welcomeShown() const;
+
+    [[nodiscard]] Instant now() const { return m_environment.clock(); }
+    [[nodiscard]] Calendar calendar() const { return m_environment.calendar(); }
+    [[nodiscard]] Instant startOfToday() const;
+    [[nodiscard]] bool isTodaySelected() const { return m_selectedDay == startOfToday(); }
+    [[nodiscard]] const Project* project(ProjectId id) const; // null when there is none
+    [[nodiscard]] const Tag* tag(TagId id) const;
+
+    /// What the user copies into the assistant to have the selected day's note written.
+    [[nodiscard]] QString summaryRequest() const;
+
+    /// The resolved activities of any interval; empty after a failure, which becomes the error message.
+    [[nodiscard]] std::vector<ResolvedActivity> loadItems(const Interval& interval);
+
+    /// The recorded seconds that an entry made by hand would replace.
+    [[nodiscard]] double automaticOverlap(Instant start, Instant end) const;
+
+    // Start and stop
+
+    void loadSettings();
+    void start();
+    void stop();
+
+    // Navigation
+
+    void setScreen(SidebarItem screen);
+    void setSelectedActivityId(std::optional<ActivityId> id);
+    void setManualDraft(std::optional<ManualDraft> draft);
+    void shiftDay(int days);
+    void goToToday();
+
+    // Recording and settings
+
+    void toggleTracking();
+    void setIdleMinutes(int minutes);
+    void setKeepAliveEnabled(bool enabled);
+    void setLaunchAtLogin(bool enabled);
+    void excludeApp(const QString& bundleId, const QString& name);
+    void includeApp(const QString& bundleId);
+    void setWelcomeShown();
+
+    // The system
+
+    void requestAccessibility();
+    void refreshAccessibility();
+    void openAccessibilitySettings();
+    void openAddress(const QUrl& address);
+    /// Asks whether a newer version can be installed; `answered` is called once, later.
+    void checkForUpdates(std::function<void(const UpdateAnswer&)> answered);
+
+    // Errors
+
+    void setErrorMessage(const QString& text);
+    void clearErrorMessage();
+
+    // Entries. Every write ends with a full reload, and a failure becomes the error message.
+
+    void saveManualDraft(const ManualDraft& draft);
+    void deleteActivity(ActivityId id);
+    void assignProject(std::optional<ProjectId> projectId, std::span<const ActivityId> ids);
+    void setTag(TagId tagId, std::span<const ActivityId> ids, bool on);
+    /// The tag is set by hand when it is not yet, also where a rule gives it.
+    void toggleTag(TagId tagId, const Activity& activity);
+
+    /// How an unassigned group is to be sorted.
+    struct Classification {
+        CategoryKind kind = CategoryKind::project;
+        std::optional<RowId> targetId; // none: a new category named `newName`
+        QString newName;
+        bool makeRule = true;
+        RuleField field = RuleField::app;
+        RuleOperator op = RuleOperator::equals;
+        QString value;
+    };
+    /// False when the new category could not be made and nothing was done: the sheet stays open.
+    bool classify(const UnassignedGroup& group, const Classification& classification);
+
+    // Categories, rules and suggestions
+
+    void updateCategory(CategoryKind kind, RowId id, const QString& name, const QString& colorHex);
+    /// None for a blank name, which does nothing, and after a failure.
+    std::optional<RowId> createCategory(CategoryKind kind, const QString& name,
+                                        const std::optional<QString>& colorHex = {});
+    void deleteCategory(CategoryKind kind, RowId id);
+    void updateRule(const Rule& rule);
+    void addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value);
+    void deleteRule(RuleId id);
+    void acceptSuggestion(SuggestionId id);
+    void dismissSuggestion(SuggestionId id);
+
+    /// An empty text clears the selected day's note.
+    void saveDayNote(const QString& text);
+
+Q_SIGNALS:
+    void userPausedChanged();
+    void screenChanged();
+    void selectedDayChanged();
+    void selectedActivityIdChanged();
+    void manualDraftChanged();
+    void projectsChanged();
+    void tagsChanged();
+    void rulesChanged();
+    void suggestionsChanged();
+    void suggestionImpactsChanged();
+    void dayNoteChanged();
+    void dayItemsChanged();
+    void todayTotalChanged();
+    void isTrackingChanged();
+    void currentSampleChanged();
+    void accessibilityGrantedChanged();
+    void errorMessageChanged();
+    void revisionChanged();
+    void idleMinutesChanged();
+    void keepAliveEnabledChanged();
+    void excludedAppsChanged();
+    void launchAtLoginChanged();
+};
+
+} // namespace kestu

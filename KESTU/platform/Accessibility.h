@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Whether this system lets KESTU read the titles of other programs' windows, and how the user allows it.
+#pragma once
+
+namespace kestu {
+
+class Accessibility {
+public:
+    virtual ~Accessibility() = default;
+
+    /// Whether window titles can be read, without asking the user for anything.
+    [[nodiscard]] virtual bool isGranted() = 0;
+
+    /// The same, and first asks the system for all that a program may ask for.
+    [[nodiscard]] virtual bool request() = 0;
+
+    /// @throws PlatformError when no settings program could be started.
+    virtual void openSettings() = 0;
+};
+
+} // namespace kestu
