@@ -4,10 +4,13 @@
 #include "platform/linux/AccessibilityBus.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/BrowserAddress.h"
+#include "platform/linux/DesktopAccessibility.h"
 #include "platform/linux/DesktopOpener.h"
 #include "platform/linux/JsonSettings.h"
 #include "platform/linux/LinuxDisplayAssertions.h"
 #include "platform/linux/LinuxSystemEvents.h"
+#include "platform/linux/PackageKitUpdates.h"
+#include "platform/linux/PortalAppearance.h"
 #include "platform/linux/X11Desktop.h"
 #include "platform/linux/X11DisplayPower.h"
 #include "platform/linux/X11Input.h"
@@ -55,7 +58,10 @@ public:
         , m_accessibilityBus(QDBusConnection::sessionBus())
         , m_browserAddress(m_accessibilityBus)
         , m_settings(userSettingsPath())
-        , m_loginItem(userAutostartFolder(), QCoreApplication::applicationFilePath()) {}
+        , m_loginItem(userAutostartFolder(), QCoreApplication::applicationFilePath())
+        , m_accessibility(m_accessibilityBus, m_forEvents != nullptr)
+        , m_softwareUpdates(QDBusConnection::systemBus())
+        , m_appearance(QDBusConnection::sessionBus()) {}
 
     [[nodiscard]] Workspace& workspace() override { return *m_workspace; }
     [[nodiscard]] BrowserScripting& browserScripting() override { return m_browserAddress; }
@@ -65,6 +71,9 @@ public:
     [[nodiscard]] SettingsStore& settingsStore() override { return m_settings; }
     [[nodiscard]] LoginItem& loginItem() override { return m_loginItem; }
     [[nodiscard]] Opener& opener() override { return m_opener; }
+    [[nodiscard]] Accessibility& accessibility() override { return m_accessibility; }
+    [[nodiscard]] SoftwareUpdates& softwareUpdates() override { return m_softwareUpdates; }
+    [[nodiscard]] Appearance& appearance() override { return m_appearance; }
 
 private:
     [[nodiscard]] std::unique_ptr<DisplayPower> makeDisplayPower() const {
@@ -104,6 +113,9 @@ private:
     JsonSettings m_settings;
     AutostartEntry m_loginItem;
     DesktopOpener m_opener;
+    DesktopAccessibility m_accessibility;
+    PackageKitUpdates m_softwareUpdates;
+    PortalAppearance m_appearance;
 };
 
 } // namespace

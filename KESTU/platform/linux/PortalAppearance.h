@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What the desktop portal (session bus) says about light and dark. Never waits for it: unknown at first, and
+// colorSchemeChanged when the answer arrives. Owned by the Linux platform.
+#pragma once
+
+#include "platform/Appearance.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QString>
+
+namespace kestu {
+
+class PortalAppearance final : public Appearance {
+    Q_OBJECT
+
+public:
+    explicit PortalAppearance(const QDBusConnection& sessionBus);
+
+    [[nodiscard]] std::optional<ColorScheme> colorScheme() const override { return m_scheme; }
+
+private Q_SLOTS:
+    void onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    void ask();
+    void set(std::optional<ColorScheme> scheme);
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_watcher;
+    std::optional<ColorScheme> m_scheme;
+};
+
+} // namespace kestu
