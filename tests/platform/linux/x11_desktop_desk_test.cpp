@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // On a real X server with a window manager: what is in front, and the news of it.
+#include "platform/Accessibility.h"
+#include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/X11Desktop.h"
 #include "platform/linux/X11Input.h"
 
@@ -171,6 +173,15 @@ TEST_F(X11DesktopTest, CountsTheSecondsSinceTheLastInput) {
     waitUntil([] { return false; }, 700);
     EXPECT_GE(input.secondsSinceLastInput().count(), 0.65);
     EXPECT_LT(input.secondsSinceLastInput().count(), 5);
+}
+
+TEST(LinuxPlatformTest, GrantsTheTitlesOnX11Only) {
+    EXPECT_TRUE(startLinuxPlatform().platform->accessibility().isGranted());
+    qputenv("XDG_SESSION_TYPE", "wayland");
+    const LinuxPlatformStart onWayland = startLinuxPlatform();
+    qputenv("XDG_SESSION_TYPE", "x11");
+    EXPECT_FALSE(onWayland.platform->accessibility().request());
+    EXPECT_FALSE(onWayland.warning.isEmpty());
 }
 
 } // namespace
