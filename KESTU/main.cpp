@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -51,7 +52,11 @@ int record(QApplication& application, const SingleInstance& instance,
     if (!started.warning.isEmpty()) {
         say(started.warning);
     }
-    KestuApp kestuApp(std::move(repository), *started.platform, systemNow);
+    KestuApp kestuApp(std::move(repository), *started.platform,
+                      {.clock = systemNow,
+                       .calendar = systemCalendar,
+                       .screen = qEnvironmentVariable("KESTU_SCREEN"),
+                       .watchInterval = std::chrono::seconds(3)});
     const TerminationSignals signalsToEnd;
     QObject::connect(&signalsToEnd, &TerminationSignals::terminationRequested, &application,
                      &QCoreApplication::quit);

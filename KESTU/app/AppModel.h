@@ -19,12 +19,15 @@
 #include <QMap>
 #include <QObject>
 #include <QTimer>
+#include <QUrl>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace kestu {
@@ -192,6 +195,88 @@ Q_SIGNALS:
     void keepAliveEnabledChanged();
     void excludedAppsChanged();
     void launchAtLoginChanged();
+
+private:
+    /// What may fail again and again for one and the same cause.
+    enum class Source { action, lists, day, items };
+
+    /// Assigns and notifies when the value is another one; returns whether it was.
+    template<typename Field, typename Value>
+    bool assign(Field& field, Value&& value, void (AppModel::*changed)()) {
+        if (field == value) {
+            return false;
+        }
+        field = std::forward<Value>(value);
+        Q_EMIT(this->*changed)();
+        return true;
+    }
+
+    void onTrackerUpdate();
+    void watch();
+    void reportMove();
+
+    void reload();
+    void reloadDay();
+    void readLists();
+    void readDay();
+    void updateImpacts();
+    [[nodiscard]] QHash<SuggestionId, double> impactsSince(Instant from);
+    [[nodiscard]] double readTodayTotal() const;
+    [[nodiscard]] Interval dayFrom(Instant start) const;
+    [[nodiscard]] std::vector<Activity> activitiesIn(const Interval& range) const;
+    void selectDay(Instant day);
+
+    void report(Source source, const std::optional<QString>& failure);
+    void forgetFailures() { m_reportedCauses.fill({}); }
+
+    using Write = std::function<void(Repository&)>;
+    bool attempt(const Write& body);
+    void reloadAfterAttempt();
+    bool write(const Write& body);
+    [[nodiscard]] ActivityId writeDraft(Repository& repository, const ManualDraft& draft) const;
+    void restartSession();
+
+    void mirrorTracking();
+    void setAccessibilityGranted(bool granted);
+    void setExcludedApps(QMap<QString, QString> apps);
+    void applyLaunchAtLogin();
+    void tryPlatform(const std::function<void()>& body, const QString& prefix = {});
+
+    Environment m_environment;
+    std::unique_ptr<Repository> m_repository;
+    Platform& m_platform;
+    Tracker m_tracker; // after the store, so that it goes first
+    QTimer m_watchTimer;
+
+    bool m_userPaused = false;
+    SidebarItem m_screen;
+    Instant m_selectedDay;
+    std::optional<ActivityId> m_selectedActivityId;
+    std::optional<ManualDraft> m_manualDraft;
+    std::vector<Project> m_projects;
+    std::vector<Tag> m_tags;
+    std::vector<Rule> m_rules;
+    std::vector<RuleSuggestion> m_suggestions;
+    QHash<SuggestionId, double> m_suggestionImpacts;
+    std::optional<DailyNote> m_dayNote;
+    std::vector<ResolvedActivity> m_dayItems;
+    double m_todayTotal = 0;
+    bool m_isTracking = false;
+    std::optional<Sample> m_currentSample;
+    bool m_accessibilityGranted = false;
+    std::optional<QString> m_errorMessage;
+    std::int64_t m_revision = 0;
+    int m_idleMinutes = 3;
+    bool m_keepAliveEnabled = true;
+    QMap<QString, QString> m_excludedApps;
+    bool m_launchAtLogin = false;
+
+    Instant m_lastReload{}; // of the day
+    std::int64_t m_lastDataVersion = 0;
+    bool m_hasMoved = false;              // the database file, at the last look
+    std::optional<Instant> m_impactsFrom; // the days that the impacts cover; none when they are outdated
+    std::array<std::optional<QString>, 4> m_reportedCauses; // by Source; none after a success
+    std::optional<Interval> m_failedInterval;               // of the last loadItems that failed
 };
 
 } // namespace kestu

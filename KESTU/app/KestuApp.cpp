@@ -5,16 +5,17 @@
 
 namespace kestu {
 
-KestuApp::KestuApp(std::unique_ptr<Repository> repository, Platform& platform, Clock clock)
-    : m_repository(std::move(repository))
-    , m_tracker(*m_repository, platform, std::move(clock)) {}
+KestuApp::KestuApp(std::unique_ptr<Repository> repository, Platform& platform,
+                   AppModel::Environment environment)
+    : m_model(std::move(repository), platform, std::move(environment)) {}
 
 void KestuApp::start() {
-    m_tracker.start();
+    m_model.loadSettings();
+    m_model.start();
 }
 
 void KestuApp::stop() {
-    m_tracker.stop();
+    m_model.stop();
 }
 
 QString storeFailureMessage(const DatabaseError& error) {

@@ -3,9 +3,7 @@
 // The start and the stop: what runs while KESTU runs, brought up and taken down in order. main owns it.
 #pragma once
 
-#include "base/Time.h"
-#include "capture/Tracker.h"
-#include "storage/Repository.h"
+#include "app/AppModel.h"
 
 #include <memory>
 
@@ -16,17 +14,18 @@ class Platform;
 class KestuApp final {
 public:
     /// Takes over the opened store; `platform` outlives this.
-    KestuApp(std::unique_ptr<Repository> repository, Platform& platform, Clock clock);
+    KestuApp(std::unique_ptr<Repository> repository, Platform& platform, AppModel::Environment environment);
 
-    /// Launching has finished: starts recording.
+    [[nodiscard]] AppModel& model() { return m_model; }
+
+    /// Launching has finished: reads the settings and starts recording.
     void start();
 
     /// The application ends: closes the open activity at this moment.
     void stop();
 
 private:
-    std::unique_ptr<Repository> m_repository;
-    Tracker m_tracker;
+    AppModel m_model;
 };
 
 /// What the user is told when the store cannot be opened.

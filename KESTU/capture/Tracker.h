@@ -40,6 +40,9 @@ public:
 
     [[nodiscard]] bool isRunning() const { return m_isRunning; }
 
+    /// The row that is being extended.
+    [[nodiscard]] std::optional<ActivityId> openActivityId() const { return m_openActivityId; }
+
     /// The sample of the open activity.
     [[nodiscard]] const std::optional<Sample>& current() const { return m_current; }
 

@@ -211,6 +211,12 @@ std::int64_t Database::dataVersion() const noexcept {
     return counter(*this, QStringLiteral("PRAGMA data_version"));
 }
 
+bool Database::hasMoved() const noexcept {
+    int hasMoved = 0;
+    sqlite3_file_control(m_handle.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    return hasMoved != 0;
+}
+
 Database::Transaction::Transaction(Database& database)
     : m_database(database) {
     // Takes the write lock at once: two writers then wait for each other instead of failing half-way.

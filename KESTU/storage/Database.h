@@ -116,6 +116,10 @@ public:
     /// `PRAGMA data_version`: changes when another connection has committed; 0 on any failure.
     [[nodiscard]] std::int64_t dataVersion() const noexcept;
 
+    /// Whether another file, or none, now lies at the path that was opened. SQLite itself goes on writing
+    /// into the file that it has open, and nothing fails.
+    [[nodiscard]] bool hasMoved() const noexcept;
+
 private:
     class Transaction final {
     public:

@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/AppModel.h"
+
+#include "base/LocalClock.h"
+#include "classify/Resolution.h"
+
+#include <algorithm>
+
+namespace kestu {
+namespace {
+
+using namespace std::chrono_literals;
+
+// While one window stays in front, the tracker's ticks reload the day no more often than this.
+constexpr Seconds reloadInterval = 10s;
+
+constexpr int impactDays = 30;
+
+Instant dayAfter(Instant instant, int days, const Calendar& calendar) {
+    return LocalClock(calendar).startOfDayAfter(instant, days).value_or(instant);
+}
+
+/// What a failure has in common with that of another statement: all before " — " and the statement.
+QString causeOf(const QString& failure) {
+    return failure.section(QStringLiteral(" — "), 0, 0);
+}
+
+template<typename Body>
+std::optional<QString> failureOf(Body body) {
+    try {
+        body();
+        return std::nullopt;
+    } catch (const DatabaseError& error) {
+        return error.description();
+    }
+}
+
+template<typename Category>
+const Category* firstWithId(const std::vector<Category>& categories, RowId id) {
+    const auto found = std::ranges::find(categories, id, &Category::id);
+    return found == categories.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+AppModel::AppModel(std::unique_ptr<Repository> repository, Platform& platform, Environment environment)
+    : m_environment(std::move(environment))
+    , m_repository(std::move(repository))
+    , m_platform(platform)
+    , m_tracker(*m_repository, platform, m_environment.clock)
+    , m_screen(sidebarItemFromRaw(m_environment.screen))
+    , m_selectedDay(startOfToday()) {
+    m_tracker.onUpdate = [this] { onTrackerUpdate(); };
+    reload();
+    m_lastDataVersion = m_repository->database().dataVersion();
+    connect(&m_watchTimer, &QTimer::timeout, this, &AppModel::watch);
+    m_watchTimer.start(m_environment.watchInterval);
+}
+
+AppModel::~AppModel() = default;
+
+// What the screens read
+
+Instant AppModel::startOfToday() const {
+    return dayAfter(now(), 0, calendar());
+}
+
+const Project* AppModel::project(ProjectId id) const {
+    return firstWithId(m_projects, id);
+}
+
+const Tag* AppModel::tag(TagId id) const {
+    return firstWithId(m_tags, id);
+}
+
+QString AppModel::summaryRequest() const {
+    return QStringLiteral("KESTUの MCP で %1 の記録を読んで、何に時間を使ったか・流れ・気づきを短くまとめて、"
+                          "save_daily_summary で保存して。")
+        .arg(dayKey(m_selectedDay, calendar()));
+}
+
+std::vector<ResolvedActivity> AppModel::loadItems(const Interval& interval) {
+    std::vector<ResolvedActivity> items;
+    const auto failure = failureOf([&] { items = resolved(activitiesIn(interval), m_rules); });
+    if (failure && m_failedInterval != interval) {
+        forgetFailures(); // the user asks for something new
+    }
+    m_failedInterval = failure ? std::optional(interval) : std::nullopt;
+    report(Source::items, failure);
+    return items;
+}
+
+double AppModel::automaticOverlap(Instant start, Instant end) const {
+    if (!(end > start)) {
+        return 0;
+    }
+    double seconds = 0;
+    try {
+        for (const Activity& activity : activitiesIn({.start = start, .end = end})) {
+            seconds += activity.isManual ? 0 : lengthOf(activity.start, activity.end).count();
+        }
+    } catch (const DatabaseError&) {
+        return 0; // only a hint beside the entry; saving it reports what is wrong
+    }
+    return seconds;
+}
+
+// Navigation
+
+void AppModel::setScreen(SidebarItem screen) {
+    assign(m_screen, screen, &AppModel::screenChanged);
+}
+
+void AppModel::setSelectedActivityId(std::optional<ActivityId> id) {
+    assign(m_selectedActivityId, id, &AppModel::selectedActivityIdChanged);
+}
+
+void AppModel::setManualDraft(std::optional<ManualDraft> draft) {
+    assign(m_manualDraft, std::move(draft), &AppModel::manualDraftChanged);
+}
+
+void AppModel::shiftDay(int days) {
+    selectDay(dayAfter(m_selectedDay, days, calendar()));
+}
+
+void AppModel::goToToday() {
+    selectDay(startOfToday());
+}
+
+void AppModel::selectDay(Instant day) {
+    assign(m_selectedDay, day, &AppModel::selectedDayChanged);
+    setSelectedActivityId(std::nullopt);
+    forgetFailures();
+    reloadDay();
+}
+
+// Keeping fresh
+
+void AppModel::onTrackerUpdate() {
+    const bool isOther = assign(m_currentSample, m_tracker.current(), &AppModel::currentSampleChanged);
+    const Seconds sinceReload = now() - m_lastReload;
+    // A clock that was set back must not stop the reloads until it has caught up.
+    if (isOther || sinceReload > reloadInterval || sinceReload < Seconds{0}) {
+        reloadDay();
+    }
+}
+
+void AppModel::watch() {
+    reportMove();
+    const std::int64_t version = m_repository->database().dataVersion();
+    if (version != m_lastDataVersion) {
+        m_lastDataVersion = version;
+        m_impactsFrom.reset(); // the other process may have changed any time
+        reload();
+    }
+}
+
+void AppModel::reportMove() {
+    const bool hadMoved = std::exchange(m_hasMoved, m_repository->database().hasMoved());
+    if (m_hasMoved && !hadMoved) {
+        setErrorMessage(QStringLiteral("記録用のデータベースが移動または削除されました。元に戻すか、KESTU "
+                                       "を起動し直してください。"));
+    }
+}
+
+void AppModel::reload() {
+    report(Source::lists, failureOf([this] { readLists(); }));
+    reloadDay();
+}
+
+void AppModel::reloadDay() {
+    m_lastReload = now();
+    ++m_revision;
+    const auto failure = failureOf([this] { readDay(); });
+    Q_EMIT revisionChanged(); // after the reading: who redraws on it finds the new state
+    report(Source::day, failure);
+}
+
+void AppModel::readLists() {
+    assign(m_projects, m_repository->projects(), &AppModel::projectsChanged);
+    assign(m_tags, m_repository->tags(), &AppModel::tagsChanged);
+    assign(m_rules, m_repository->rules(), &AppModel::rulesChanged);
+    if (assign(m_suggestions, m_repository->suggestions(), &AppModel::suggestionsChanged)) {
+        m_impactsFrom.reset();
+    }
+    updateImpacts();
+}
+
+/// A month of activities costs more than all other reads together, so it is read only for new figures.
+void AppModel::updateImpacts() {
+    const Instant from = dayAfter(now(), -impactDays, calendar());
+    if (m_suggestions.empty()) {
+        assign(m_suggestionImpacts, QHash<SuggestionId, double>(), &AppModel::suggestionImpactsChanged);
+    } else if (m_impactsFrom != from) {
+        m_impactsFrom = from;
+        assign(m_suggestionImpacts, impactsSince(from), &AppModel::suggestionImpactsChanged);
+    }
+}
+
+QHash<SuggestionId, double> AppModel::impactsSince(Instant from) {
+    std::vector<Activity> activities;
+    try {
+        activities = m_repository->activitiesOverlapping(from, now());
+    } catch (const DatabaseError&) {
+        m_impactsFrom.reset(); // zeros for now; the next reload tries again
+    }
+    return kestu::suggestionImpacts(m_suggestions, activities);
+}
+
+void AppModel::readDay() {
+    const Interval day = dayFrom(m_selectedDay);
+    assign(m_dayItems, resolved(activitiesIn(day), m_rules), &AppModel::dayItemsChanged);
+    assign(m_dayNote, m_repository->dailyNote(dayKey(day.start, calendar())), &AppModel::dayNoteChanged);
+    assign(m_todayTotal, readTodayTotal(), &AppModel::todayTotalChanged);
+}
+
+double AppModel::readTodayTotal() const {
+    const Instant today = startOfToday();
+    double seconds = 0;
+    if (m_selectedDay == today) {
+        for (const ResolvedActivity& item : m_dayItems) {
+            seconds += secondsOf(item);
+        }
+        return seconds;
+    }
+    for (const Activity& activity : activitiesIn(dayFrom(today))) {
+        seconds += lengthOf(activity.start, activity.end).count();
+    }
+    return seconds;
+}
+
+Interval AppModel::dayFrom(Instant start) const {
+    return {.start = start, .end = dayAfter(start, 1, calendar())};
+}
+
+std::vector<Activity> AppModel::activitiesIn(const Interval& range) const {
+    return clipped(m_repository->activitiesOverlapping(range.start, range.end), range);
+}
+
+// Errors
+
+void AppModel::setErrorMessage(const QString& text) {
+    assign(m_errorMessage, text, &AppModel::errorMessageChanged);
+}
+
+void AppModel::clearErrorMessage() {
+    assign(m_errorMessage, std::nullopt, &AppModel::errorMessageChanged);
+}
+
+/// A cause is told once until what failed for it has succeeded: a locked file is one alert, not one for
+/// each reload.
+void AppModel::report(Source source, const std::optional<QString>& failure) {
+    const auto cause = failure ? std::optional(causeOf(*failure)) : std::nullopt;
+    const bool isKnown = std::ranges::find(m_reportedCauses, cause) != m_reportedCauses.end();
+    m_reportedCauses[static_cast<std::size_t>(source)] = cause;
+    if (failure && !isKnown) {
+        setErrorMessage(*failure);
+    }
+}
+
+} // namespace kestu

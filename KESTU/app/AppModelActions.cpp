@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What the user changes in the store.
+#include "app/AppModel.h"
+
+#include "base/Text.h"
+
+namespace kestu {
+
+// The one way of every write
+
+/// Runs `body`; its failure is told in any case.
+bool AppModel::attempt(const Write& body) {
+    forgetFailures();
+    std::optional<QString> failure;
+    try {
+        body(*m_repository);
+    } catch (const DatabaseError& error) {
+        failure = error.description();
+    }
+    report(Source::action, failure);
+    return !failure;
+}
+
+/// Here the action's failure is still known, so that a read failing for the same cause does not hide it.
+void AppModel::reloadAfterAttempt() {
+    reload();
+    report(Source::action, std::nullopt);
+}
+
+bool AppModel::write(const Write& body) {
+    const bool isWritten = attempt(body);
+    reloadAfterAttempt();
+    return isWritten;
+}
+
+// Entries
+
+void AppModel::saveManualDraft(const ManualDraft& draft) {
+    const ManualDraft saved = draft; // which may be our own, cleared below
+    m_impactsFrom.reset();
+    attempt([&](Repository& repository) { setSelectedActivityId(writeDraft(repository, saved)); });
+    reloadAfterAttempt();
+    restartSession();
+    setManualDraft(std::nullopt);
+}
+
+ActivityId AppModel::writeDraft(Repository& repository, const ManualDraft& draft) const {
+    const ManualEntry entry{.start = draft.start,
+                            .end = draft.end,
+                            .title = trimmedBlanks(draft.title),
+                            .projectId = draft.projectId,
+                            .tagIds = draft.tagIds};
+    return repository.database().transaction([&] {
+        return draft.editingId ? repository.replaceManualEntry(*draft.editingId, entry)
+                               : repository.insertManualEntry(entry);
+    });
+}
+
+/// Recording goes on in a new row.
+void AppModel::restartSession() {
+    m_tracker.resetSession();
+    // The tracker calls nobody when it finds nothing to record.
+    assign(m_currentSample, m_tracker.current(), &AppModel::currentSampleChanged);
+}
+
+void AppModel::deleteActivity(ActivityId id) {
+    if (m_selectedActivityId == id) {
+        setSelectedActivityId(std::nullopt);
+    }
+    m_impactsFrom.reset();
+    const bool isDeleted = write([&](Repository& repository) { repository.deleteActivity(id); });
+    if (isDeleted && m_tracker.openActivityId() == id) {
+        restartSession(); // else what follows would be written into the deleted row
+    }
+}
+
+void AppModel::assignProject(std::optional<ProjectId> projectId, std::span<const ActivityId> ids) {
+    write([&](Repository& repository) {
+        repository.database().transaction([&] { repository.setProject(ids, projectId); });
+    });
+}
+
+void AppModel::setTag(TagId tagId, std::span<const ActivityId> ids, bool on) {
+    const auto state = on ? Repository::TagState::on : Repository::TagState::off;
+    write([&](Repository& repository) { repository.setTag(ids, tagId, state); });
+}
+
+void AppModel::toggleTag(TagId tagId, const Activity& activity) {
+    const std::array ids{activity.id};
+    setTag(tagId, ids, !activity.tagIds.contains(tagId));
+}
+
+bool AppModel::classify(const UnassignedGroup& group, const Classification& classification) {
+    const CategoryKind kind = classification.kind;
+    const auto target =
+        classification.targetId ? classification.targetId : createCategory(kind, classification.newName);
+    if (!target) {
+        return false;
+    }
+    if (classification.makeRule) {
+        addRule({.kind = kind, .id = *target}, classification.field, classification.op, classification.value);
+    } else if (kind == CategoryKind::project) {
+        assignProject(target, group.activityIds);
+    } else {
+        setTag(*target, group.activityIds, true);
+    }
+    return true;
+}
+
+// Categories, rules and suggestions
+
+void AppModel::updateCategory(CategoryKind kind, RowId id, const QString& name, const QString& colorHex) {
+    write([&](Repository& repository) { repository.updateCategory(kind, id, name, colorHex); });
+}
+
+std::optional<RowId> AppModel::createCategory(CategoryKind kind, const QString& name,
+                                              const std::optional<QString>& colorHex) {
+    const QString trimmed = trimmedBlanks(name);
+    if (trimmed.isEmpty()) {
+        return std::nullopt;
+    }
+    const std::size_t count = kind == CategoryKind::project ? m_projects.size() : m_tags.size();
+    const QString nextColor = categoryPalette[count % categoryPalette.size()].toString();
+    std::optional<RowId> id;
+    const bool isMade = attempt([&](Repository& repository) {
+        id = repository.insertCategory(kind, trimmed, colorHex.value_or(nextColor));
+    });
+    if (isMade) {
+        reload();
+    }
+    report(Source::action, std::nullopt);
+    return id;
+}
+
+void AppModel::deleteCategory(CategoryKind kind, RowId id) {
+    write([&](Repository& repository) { repository.deleteCategory(kind, id); });
+}
+
+void AppModel::updateRule(const Rule& rule) {
+    write([&](Repository& repository) { repository.updateRule(rule); });
+}
+
+void AppModel::addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value) {
+    const QString trimmed = trimmedBlanks(value);
+    if (!trimmed.isEmpty()) {
+        write([&](Repository& repository) { repository.insertRule(target, field, op, trimmed); });
+    }
+}
+
+void AppModel::deleteRule(RuleId id) {
+    write([&](Repository& repository) { repository.deleteRule(id); });
+}
+
+void AppModel::acceptSuggestion(SuggestionId id) {
+    write([&](Repository& repository) { repository.acceptSuggestion(id); });
+}
+
+void AppModel::dismissSuggestion(SuggestionId id) {
+    write([&](Repository& repository) { repository.deleteSuggestion(id); });
+}
+
+void AppModel::saveDayNote(const QString& text) {
+    const QString day = dayKey(m_selectedDay, calendar());
+    write([&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
+}
+
+} // namespace kestu

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Recording, the settings, and what is asked of the system.
+#include "app/AppModel.h"
+
+#include "platform/Accessibility.h"
+#include "platform/LoginItem.h"
+#include "platform/Opener.h"
+#include "platform/Platform.h"
+#include "platform/PlatformError.h"
+#include "platform/SettingsStore.h"
+
+namespace kestu {
+namespace {
+
+namespace key {
+const QString idleMinutes = QStringLiteral("idleMinutes");
+const QString keepAliveEnabled = QStringLiteral("keepAliveEnabled");
+const QString excludedApps = QStringLiteral("excludedApps");
+const QString welcomeShown = QStringLiteral("welcomeShown");
+} // namespace key
+
+constexpr int defaultIdleMinutes = 3;
+
+} // namespace
+
+// Start and stop
+
+void AppModel::loadSettings() {
+    const SettingsStore& store = m_platform.settingsStore();
+    const int minutes = store.integer(key::idleMinutes).value_or(0);
+    setIdleMinutes(minutes >= 1 ? minutes : defaultIdleMinutes);
+    setLaunchAtLogin(m_platform.loginItem().isEnabled());
+    setKeepAliveEnabled(store.boolean(key::keepAliveEnabled).value_or(true));
+    setExcludedApps(store.dictionary(key::excludedApps).value_or(QMap<QString, QString>()));
+}
+
+void AppModel::start() {
+    refreshAccessibility();
+    m_tracker.start();
+    mirrorTracking();
+}
+
+void AppModel::stop() {
+    m_tracker.stop();
+    mirrorTracking();
+}
+
+// Recording
+
+void AppModel::toggleTracking() {
+    const bool wasRunning = m_tracker.isRunning();
+    wasRunning ? m_tracker.stop() : m_tracker.start();
+    assign(m_userPaused, wasRunning, &AppModel::userPausedChanged);
+    mirrorTracking();
+    forgetFailures();
+    reloadDay();
+}
+
+void AppModel::mirrorTracking() {
+    assign(m_isTracking, m_tracker.isRunning(), &AppModel::isTrackingChanged);
+}
+
+// Settings. Each is stored also when it is the same: at the start that is how the tracker gets to know it.
+
+void AppModel::setIdleMinutes(int minutes) {
+    assign(m_idleMinutes, minutes, &AppModel::idleMinutesChanged);
+    m_tracker.idleThreshold = std::chrono::minutes(minutes);
+    tryPlatform([&] { m_platform.settingsStore().setInteger(key::idleMinutes, minutes); });
+}
+
+void AppModel::setKeepAliveEnabled(bool enabled) {
+    assign(m_keepAliveEnabled, enabled, &AppModel::keepAliveEnabledChanged);
+    m_tracker.policy.keepAliveEnabled = enabled;
+    tryPlatform([&] { m_platform.settingsStore().setBoolean(key::keepAliveEnabled, enabled); });
+}
+
+void AppModel::excludeApp(const QString& bundleId, const QString& name) {
+    QMap<QString, QString> apps = m_excludedApps;
+    apps.insert(bundleId, name);
+    setExcludedApps(apps);
+}
+
+void AppModel::includeApp(const QString& bundleId) {
+    QMap<QString, QString> apps = m_excludedApps;
+    apps.remove(bundleId);
+    setExcludedApps(apps);
+}
+
+void AppModel::setExcludedApps(QMap<QString, QString> apps) {
+    assign(m_excludedApps, std::move(apps), &AppModel::excludedAppsChanged);
+    const QStringList bundleIds = m_excludedApps.keys();
+    m_tracker.policy.excludedBundleIds = QSet<QString>(bundleIds.begin(), bundleIds.end());
+    tryPlatform([&] { m_platform.settingsStore().setDictionary(key::excludedApps, m_excludedApps); });
+}
+
+void AppModel::setLaunchAtLogin(bool enabled) {
+    assign(m_launchAtLogin, enabled, &AppModel::launchAtLoginChanged);
+    tryPlatform([this] { applyLaunchAtLogin(); }, QStringLiteral("ログイン時に起動の設定に失敗しました："));
+}
+
+void AppModel::applyLaunchAtLogin() {
+    LoginItem& item = m_platform.loginItem();
+    if (item.isEnabled() != m_launchAtLogin) {
+        m_launchAtLogin ? item.enable() : item.disable();
+    }
+}
+
+bool AppModel::welcomeShown() const {
+    return m_platform.settingsStore().boolean(key::welcomeShown).value_or(false);
+}
+
+void AppModel::setWelcomeShown() {
+    tryPlatform([this] { m_platform.settingsStore().setBoolean(key::welcomeShown, true); });
+}
+
+// The system
+
+void AppModel::requestAccessibility() {
+    setAccessibilityGranted(m_platform.accessibility().request());
+}
+
+void AppModel::refreshAccessibility() {
+    setAccessibilityGranted(m_platform.accessibility().isGranted());
+}
+
+void AppModel::setAccessibilityGranted(bool granted) {
+    assign(m_accessibilityGranted, granted, &AppModel::accessibilityGrantedChanged);
+}
+
+void AppModel::openAccessibilitySettings() {
+    tryPlatform([this] { m_platform.accessibility().openSettings(); });
+}
+
+void AppModel::openAddress(const QUrl& address) {
+    tryPlatform([&] { m_platform.opener().openAddress(address); });
+}
+
+void AppModel::checkForUpdates(std::function<void(const UpdateAnswer&)> answered) {
+    m_platform.softwareUpdates().check(std::move(answered));
+}
+
+/// Runs `body`; its failure becomes the error message, behind `prefix`.
+void AppModel::tryPlatform(const std::function<void()>& body, const QString& prefix) {
+    try {
+        body();
+    } catch (const PlatformError& error) {
+        setErrorMessage(prefix + error.description());
+    }
+}
+
+} // namespace kestu
