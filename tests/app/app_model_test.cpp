@@ -179,11 +179,13 @@ TEST_F(AppModelTest, SeesWhatAnotherProcessWritesAndKeepsImpactsUntilTimesChange
     suggest(u"abc"_s);
     ASSERT_TRUE(waitUntil([this] { return !model->suggestions().empty(); }));
     EXPECT_EQ(model->suggestionImpacts()[1], 3600);
+    store->extendActivity(id, utc("2026-03-04T04:45:00"));
+    EXPECT_TRUE(waitUntil([this] { return model->suggestionImpacts()[1] == 2700; }));
 
     open();
     store->extendActivity(id, utc("2026-03-04T04:30:00")); // the watch has yet to see it
     model->createCategory(CategoryKind::tag, u"T"_s);
-    EXPECT_EQ(model->suggestionImpacts()[1], 3600) << "a month is not read for a tag";
+    EXPECT_EQ(model->suggestionImpacts()[1], 2700) << "a month is not read for a tag";
     EXPECT_EQ(model->todayTotal(), 1800);
     model->deleteActivity(99);
     EXPECT_EQ(model->suggestionImpacts()[1], 1800);
