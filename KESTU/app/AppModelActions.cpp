@@ -37,12 +37,11 @@ bool AppModel::write(const Write& body) {
 // Entries
 
 void AppModel::saveManualDraft(const ManualDraft& draft) {
-    const ManualDraft saved = draft; // which may be our own, cleared below
     m_impactsFrom.reset();
-    attempt([&](Repository& repository) { setSelectedActivityId(writeDraft(repository, saved)); });
+    attempt([&](Repository& repository) { setSelectedActivityId(writeDraft(repository, draft)); });
     reloadAfterAttempt();
     restartSession();
-    setManualDraft(std::nullopt);
+    setManualDraft(std::nullopt); // last: `draft` may be this one
 }
 
 ActivityId AppModel::writeDraft(Repository& repository, const ManualDraft& draft) const {
