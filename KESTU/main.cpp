@@ -1,19 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Puts everything together: the platform, the store, what runs on them, and the ways in which it ends.
+#include "app/AppModel.h"
 #include "app/KestuApp.h"
 #include "app/ReportCommand.h"
+#include "platform/Appearance.h"
+#include "platform/Platform.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/TerminationSignals.h"
 #include "storage/RepositoryOpener.h"
 #include "ui/FailureDialog.h"
+#include "ui/Shell.h"
+#include "ui/theme/KestuStyle.h"
 
 #include <QApplication>
+#include <QSystemTrayIcon>
 #include <QTimer>
-#include <QWindow>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -24,14 +28,6 @@ using namespace kestu;
 
 void say(const QString& line) {
     std::fprintf(stderr, "%s\n", line.toUtf8().constData());
-}
-
-void bringToFront() {
-    for (QWindow* window : QGuiApplication::topLevelWindows()) {
-        window->show();
-        window->raise();
-        window->requestActivate();
-    }
 }
 
 int handOverToFirst(const SingleInstance& instance) {
@@ -46,23 +42,45 @@ std::unique_ptr<Repository> openStore(const StoreLocation& location) {
     });
 }
 
-int record(QApplication& application, const SingleInstance& instance,
-           std::unique_ptr<Repository> repository) {
+/// What is opened at the start: nothing where the session starts KESTU, not the user.
+enum class FirstView { none, window };
+
+/// Light or dark as the desktop says; where it says nothing, as its own palette looks.
+const Colors& wantedColors(const Appearance& appearance, const QPalette& desktopPalette) {
+    if (const auto scheme = appearance.colorScheme()) {
+        return *scheme == ColorScheme::dark ? darkColors() : lightColors();
+    }
+    return colorsOf(desktopPalette);
+}
+
+int record(QApplication& application, const SingleInstance& instance, std::unique_ptr<Repository> repository,
+           const QPalette& desktopPalette) {
     const LinuxPlatformStart started = startLinuxPlatform();
     if (!started.warning.isEmpty()) {
         say(started.warning);
     }
-    KestuApp kestuApp(std::move(repository), *started.platform,
-                      {.clock = systemNow,
-                       .calendar = systemCalendar,
-                       .screen = qEnvironmentVariable("KESTU_SCREEN"),
-                       .watchInterval = std::chrono::seconds(3)});
+    Appearance& appearance = started.platform->appearance();
+    applyTheme(application, wantedColors(appearance, desktopPalette));
+    KestuApp kestuApp(
+        std::move(repository), *started.platform,
+        {.clock = systemNow, .calendar = systemCalendar, .screen = qEnvironmentVariable("KESTU_SCREEN")});
+    Shell shell(kestuApp.model(), QSystemTrayIcon::isSystemTrayAvailable);
+    QObject::connect(&appearance, &Appearance::colorSchemeChanged, &application, [&] {
+        applyTheme(application, wantedColors(appearance, desktopPalette));
+        shell.refreshColors();
+    });
     const TerminationSignals signalsToEnd;
     QObject::connect(&signalsToEnd, &TerminationSignals::terminationRequested, &application,
                      &QCoreApplication::quit);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &application, [&] { kestuApp.stop(); });
-    QObject::connect(&instance, &SingleInstance::activationRequested, &application, bringToFront);
-    QTimer::singleShot(0, &application, [&] { kestuApp.start(); });
+    QObject::connect(&instance, &SingleInstance::activationRequested, &shell, &Shell::showWindow);
+    QTimer::singleShot(0, &application, [&] {
+        kestuApp.start();
+        if (firstView == FirstView::window) {
+            shell.showWindow();
+        }
+        shell.checkForUpdatesQuietly();
+    });
     return QApplication::exec();
 }
 
@@ -106,13 +124,19 @@ int main(int argc, char* argv[]) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication application(argc, argv);
-    if (const QStringList arguments = QApplication::arguments(); arguments.size() > 1) {
-        return finish(usageError(QStringLiteral("不明な引数です：%1").arg(arguments.at(1))));
+    QStringList arguments = QApplication::arguments().sliced(1);
+    const auto firstView = arguments.removeOne(QStringLiteral("--background")) ? FirstView::none : FirstView::window;
+    if (!arguments.isEmpty()) {
+        return finish(usageError(QStringLiteral("不明な引数です：%1").arg(arguments.first())));
     }
     QApplication::setApplicationName(QStringLiteral("KESTU"));
+    QApplication::setApplicationDisplayName(QStringLiteral("KESTU"));
     QApplication::setApplicationVersion(QStringLiteral(KESTU_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("kestu"));
     QApplication::setQuitOnLastWindowClosed(false);
+    const QPalette desktopPalette = QApplication::palette();
+    installStyle(application);
+    applyTheme(application, colorsOf(desktopPalette));
 
     const StoreLocation location = storeLocationFromEnvironment();
     const SingleInstance instance(prepareDatabasePath(location));
@@ -133,5 +157,5 @@ int main(int argc, char* argv[]) {
         say(QStringLiteral("画面がないため起動できません。デスクトップの中で起動してください。"));
         return EXIT_FAILURE;
     }
-    return record(application, instance, std::move(repository));
+    return record(application, instance, std::move(repository), desktopPalette, firstView);
 }

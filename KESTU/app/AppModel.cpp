@@ -152,6 +152,8 @@ void AppModel::watch() {
         m_lastDataVersion = version;
         m_impactsFrom.reset(); // the other process may have changed any time
         reload();
+    } else if (m_todayAtReload != startOfToday()) {
+        reloadDay(); // midnight has passed, or the clock was set: "today" is another day
     }
 }
 
@@ -170,6 +172,7 @@ void AppModel::reload() {
 
 void AppModel::reloadDay() {
     m_lastReload = now();
+    m_todayAtReload = startOfToday();
     ++m_revision;
     const auto failure = failureOf([this] { readDay(); });
     Q_EMIT revisionChanged(); // after the reading: who redraws on it finds the new state

@@ -272,6 +272,7 @@ private:
     bool m_launchAtLogin = false;
 
     Instant m_lastReload{}; // of the day
+    Instant m_todayAtReload{};
     std::int64_t m_lastDataVersion = 0;
     bool m_hasMoved = false;              // the database file, at the last look
     std::optional<Instant> m_impactsFrom; // the days that the impacts cover; none when they are outdated

@@ -18,7 +18,7 @@ const QString usage =
     QStringLiteral("使い方: kestu report [--period day|week|month] [--date YYYY-MM-DD] "
                    "[--format markdown|csv] [--no-details] [--no-timeline] [--output FILE]\n");
 
-const QString help = QStringLiteral("使い方: kestu                 記録を始めます\n"
+const QString help = QStringLiteral("使い方: kestu [--background]     記録を始めます（--background: ウィンドウを開きません）\n"
                                     "        kestu report [オプション]  レポートを書き出します\n"
                                     "        kestu --help | --version\n"
                                     "\n"

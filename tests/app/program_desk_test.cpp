@@ -48,7 +48,7 @@ protected:
 TEST_F(ProgramTest, EndsTheOpenRowOnEverySignalToEnd) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         path = folder.filePath(u"signal%1.sqlite"_s.arg(signal));
-        Program kestu(program, {}, environment());
+        Program kestu(program, {u"--background"_s}, environment());
         ASSERT_TRUE(records());
         waitUntil([] { return false; }, 500);
         kestu.send(signal);
@@ -59,7 +59,7 @@ TEST_F(ProgramTest, EndsTheOpenRowOnEverySignalToEnd) {
 }
 
 TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
-    Program first(program, {}, environment());
+    Program first(program, {u"--background"_s}, environment());
     ASSERT_TRUE(records());
     const QString link = folder.filePath(u"link"_s);
     ASSERT_TRUE(QFile::link(folder.path(), link));
@@ -68,13 +68,13 @@ TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
     EXPECT_EQ(second.errorOutput(), u"KESTU はすでに起動しています。前面に表示します。\n"_s);
     EXPECT_TRUE(first.isRunning());
 
-    Program elsewhere(program, {}, {{u"KESTU_DB_PATH"_s, folder.filePath(u"b.sqlite"_s)}});
+    Program elsewhere(program, {u"--background"_s}, {{u"KESTU_DB_PATH"_s, folder.filePath(u"b.sqlite"_s)}});
     EXPECT_EQ(elsewhere.waitForEnd(1500), -2) << "another file is another recorder's";
 
     first.send(SIGKILL);
     ASSERT_EQ(first.waitForEnd(), -1);
     const size_t before = rows().size();
-    const Program third(program, {}, environment());
+    const Program third(program, {u"--background"_s}, environment());
     EXPECT_TRUE(waitUntil([&] { return rows().size() > before; }, patience));
 }
 

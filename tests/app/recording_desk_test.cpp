@@ -50,7 +50,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
     const test::Terminal editor(u"editor-window"_s, u"メモ <b>.txt"_s);
     const test::Terminal other(u"OtherTool"_s, u"other"_s);
     editor.activate();
-    test::Program kestu(QStringLiteral(KESTU_PROGRAM), {},
+    test::Program kestu(QStringLiteral(KESTU_PROGRAM), {u"--background"_s},
                         {{u"KESTU_DB_PATH"_s, path}, {u"LANGUAGE"_s, u"ja"_s}});
     ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }, patience));
     const Instant began = rows().front().start;
@@ -162,7 +162,7 @@ TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
     const test::Terminal window(u"Front"_s, u"front"_s);
     window.activate();
     for (const int milliseconds : {300, 2700, 5100}) {
-        test::Program kestu(QStringLiteral(KESTU_PROGRAM), {}, {{u"KESTU_DB_PATH"_s, path}});
+        test::Program kestu(QStringLiteral(KESTU_PROGRAM), {u"--background"_s}, {{u"KESTU_DB_PATH"_s, path}});
         const size_t before = QFile::exists(path) ? rows().size() : 0;
         ASSERT_TRUE(waitUntil([&] { return QFile::exists(path) && rows().size() > before; }, patience));
         waitUntil([] { return false; }, milliseconds);

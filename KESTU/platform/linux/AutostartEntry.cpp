@@ -62,7 +62,7 @@ void AutostartEntry::enable() {
     const QString entry = QStringLiteral("[Desktop Entry]\n"
                                          "Type=Application\n"
                                          "Name=KESTU\n"
-                                         "Exec=%1\n"
+                                         "Exec=%1 --background\n"
                                          "Terminal=false\n"
                                          "X-GNOME-Autostart-enabled=true\n")
                               .arg(execArgument(m_executable));

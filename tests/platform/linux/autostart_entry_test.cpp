@@ -27,7 +27,7 @@ TEST_F(AutostartEntryTest, IsEnabledAsLongAsItsFileIsThereAndValid) {
     EXPECT_FALSE(m_entry.isEnabled());
     m_entry.enable();
     EXPECT_TRUE(m_entry.isEnabled());
-    EXPECT_TRUE(contentsOf(m_file).contains("\nExec=\"/opt/100%% me/kestu\"\n"));
+    EXPECT_TRUE(contentsOf(m_file).contains("\nExec=\"/opt/100%% me/kestu\" --background\n"));
     m_entry.disable();
     EXPECT_FALSE(QFileInfo::exists(m_file));
     EXPECT_NO_THROW(m_entry.disable());

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/MainWindow.h"
+
+#include "app/AppModel.h"
+#include "ui/Commands.h"
+#include "ui/PermissionBanner.h"
+#include "ui/PlaceholderScreen.h"
+#include "ui/Sidebar.h"
+#include "ui/WelcomeSheet.h"
+#include "ui/controls/Alert.h"
+#include "ui/controls/Surfaces.h"
+
+#include <QCloseEvent>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace kestu {
+namespace {
+
+constexpr QSize minimumContent{900, 560};
+constexpr QSize defaultContent{1100, 720};
+constexpr int sidebarWidth = 200;
+constexpr int narrowSidebarWidth = 180;
+constexpr int narrowWindow = 920;
+
+template<typename Layout>
+Layout* tight(QWidget* owner) {
+    auto* layout = new Layout(owner);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    return layout;
+}
+
+} // namespace
+
+MainWindow::MainWindow(AppModel& model, Commands& commands)
+    : m_model(model)
+    , m_content(new QWidget)
+    , m_sidebar(new Sidebar(model, commands))
+    , m_screens(new QStackedWidget) {
+    setMinimumSize(minimumContent);
+    resize(defaultContent);
+    addAction(&commands.help());
+
+    auto* columns = tight<QHBoxLayout>(m_content);
+    columns->addWidget(m_sidebar);
+    columns->addWidget(new Divider(Qt::Vertical));
+    columns->addWidget(makeDetail(), 1);
+    tight<QHBoxLayout>(this)->addWidget(m_content);
+
+    connect(&m_model, &AppModel::screenChanged, this, &MainWindow::refreshScreen);
+    connect(&m_model, &AppModel::accessibilityGrantedChanged, this, &MainWindow::refreshBanner);
+    connect(&m_model, &AppModel::errorMessageChanged, this, &MainWindow::refreshError);
+    refreshScreen();
+    refreshBanner();
+    m_sidebar->screenList()->setFocus();
+    if (!m_model.welcomeShown()) {
+        showWelcome();
+    }
+    refreshError();
+}
+
+QWidget* MainWindow::makeDetail() {
+    m_banner = new QWidget;
+    auto* banner = tight<QVBoxLayout>(m_banner);
+    banner->addWidget(new PermissionBanner(m_model));
+    banner->addWidget(new Divider(Qt::Horizontal));
+
+    auto* detail = new QWidget;
+    auto* layout = tight<QVBoxLayout>(detail);
+    layout->addWidget(m_banner);
+    layout->addWidget(m_screens, 1);
+    return detail;
+}
+
+void MainWindow::showMessage(const QString& title, const QString& text) {
+    (new Alert(this, title, text))->present();
+}
+
+void MainWindow::showWelcome() {
+    (new WelcomeSheet(this, m_model))->present();
+}
+
+void MainWindow::refreshScreen() {
+    const auto index = static_cast<size_t>(m_model.screen());
+    QWidget*& screen = m_screenOf[index];
+    if (!screen) {
+        screen = new PlaceholderScreen(sidebarEntries[index]);
+        m_screens->addWidget(screen);
+    }
+    m_screens->setCurrentWidget(screen);
+    // The report has the application's name alone.
+    setWindowTitle(m_model.screen() == SidebarItem::report ? QStringLiteral("KESTU")
+                                                           : sidebarEntries[index].label.toString());
+}
+
+void MainWindow::refreshBanner() {
+    m_banner->setVisible(!m_model.accessibilityGranted());
+}
+
+void MainWindow::refreshError() {
+    const auto message = m_model.errorMessage();
+    if (!message) {
+        return; // the alert is what clears it
+    }
+    if (m_errorAlert) {
+        m_errorAlert->setText(*message);
+        return;
+    }
+    m_errorAlert = new Alert(this, QStringLiteral("エラー"), *message);
+    connect(m_errorAlert, &Sheet::closed, this, [this] {
+        m_errorAlert = nullptr;
+        m_model.clearErrorMessage();
+    });
+    m_errorAlert->present();
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        m_model.refreshAccessibility();
+    }
+    QWidget::changeEvent(event);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (mayClose && !mayClose()) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    m_sidebar->setFixedWidth(width() < narrowWindow ? narrowSidebarWidth : sidebarWidth);
+    QWidget::resizeEvent(event);
+}
+
+} // namespace kestu

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The one ordinary window: the sidebar, the chosen screen, and over them the welcome sheet and the error
+// alert. The shell makes it anew each time it is opened.
+#pragma once
+
+#include "app/SidebarItem.h"
+
+#include <QWidget>
+
+#include <array>
+#include <functional>
+
+class QStackedWidget;
+
+namespace kestu {
+
+class Alert;
+class AppModel;
+class Commands;
+class PermissionBanner;
+class Sidebar;
+
+class MainWindow final : public QWidget {
+    Q_OBJECT
+
+public:
+    MainWindow(AppModel& model, Commands& commands);
+
+    /// Called by the user's wish to close; true: the window may go, false: it stays.
+    std::function<bool()> mayClose;
+
+    /// A message with the one button OK.
+    void showMessage(const QString& title, const QString& text);
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    [[nodiscard]] QWidget* makeDetail();
+    void showWelcome();
+    void refreshScreen();
+    void refreshBanner();
+    void refreshError();
+
+    AppModel& m_model;
+    QWidget* m_content;
+    Sidebar* m_sidebar;
+    QWidget* m_banner;
+    QStackedWidget* m_screens;
+    std::array<QWidget*, sidebarEntries.size()> m_screenOf{}; // null until first shown
+    Alert* m_errorAlert = nullptr;
+};
+
+} // namespace kestu

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/MenuBarView.h"
+
+#include "app/AppModel.h"
+#include "classify/DayAggregation.h"
+#include "classify/DurationText.h"
+#include "ui/Commands.h"
+#include "ui/controls/Surfaces.h"
+#include "ui/controls/TextLabel.h"
+#include "ui/theme/Theme.h"
+
+#include <QBitmap>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace kestu {
+namespace {
+
+constexpr int panelWidth = 280;
+constexpr int padding = 12;
+constexpr int gap = 10;
+constexpr size_t mostProjects = 5;
+
+QVBoxLayout* column(QWidget* owner, int spacing) {
+    auto* layout = new QVBoxLayout(owner);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    return layout;
+}
+
+QWidget* makeProjectRow(const Project* project, double seconds) {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
+    auto* name = new TextLabel(project ? project->name : QStringLiteral("未分類"), TextStyle::callout,
+                               ink::primary, Overflow::elideRight);
+    layout->addWidget(new ProjectDot(project ? colorFromText(project->colorHex) : QColor(), 8));
+    layout->addWidget(name, 1);
+    layout->addWidget(new TextLabel(formatDuration(seconds), TextStyle::callout, ink::secondary));
+    return row;
+}
+
+} // namespace
+
+MenuBarView::MenuBarView(AppModel& model, Commands& commands)
+    : QFrame(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    , m_model(model)
+    , m_total(new TextLabel({}, TextStyle::title3))
+    , m_now(new QWidget)
+    , m_nowApp(new TextLabel({}, TextStyle::callout, ink::primary, Overflow::elideRight))
+    , m_nowTitle(new TextLabel({}, TextStyle::caption, ink::primary, Overflow::elideRight))
+    , m_projects(new QWidget) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setWindowTitle(QStringLiteral("KESTU"));
+    setAccessibleName(QStringLiteral("今日"));
+    setFixedWidth(panelWidth);
+    auto* layout = column(this, gap);
+    layout->setContentsMargins(padding, padding, padding, padding);
+
+    auto* header = new QHBoxLayout;
+    header->addWidget(new TextLabel(QStringLiteral("今日"), TextStyle::headline), 1);
+    header->addWidget(m_total);
+    layout->addLayout(header);
+
+    auto* now = column(m_now, 2);
+    m_nowApp->setFont(semibold(m_nowApp->font()));
+    now->addWidget(new TextLabel(QStringLiteral("いま"), TextStyle::caption, ink::secondary));
+    now->addWidget(m_nowApp);
+    now->addWidget(m_nowTitle);
+    layout->addWidget(m_now);
+
+    column(m_projects, 6);
+    layout->addWidget(m_projects);
+    layout->addWidget(new Divider(Qt::Horizontal));
+    layout->addLayout(makeControls(commands));
+
+    connect(&m_model, &AppModel::todayTotalChanged, this, &MenuBarView::refreshTotal);
+    connect(&m_model, &AppModel::currentSampleChanged, this, &MenuBarView::refreshNow);
+    for (const auto signal :
+         {&AppModel::dayItemsChanged, &AppModel::selectedDayChanged, &AppModel::projectsChanged}) {
+        connect(&m_model, signal, this, &MenuBarView::refreshProjects);
+    }
+    refreshTotal();
+    refreshNow();
+    refreshProjects();
+}
+
+QLayout* MenuBarView::makeControls(Commands& commands) {
+    auto* toggle = new QPushButton;
+    auto* open = new QPushButton(QStringLiteral("開く"));
+    auto* quit = new QPushButton(QStringLiteral("終了"));
+    auto* controls = new QHBoxLayout;
+    controls->setSpacing(8);
+    controls->addWidget(toggle);
+    controls->addStretch();
+    controls->addWidget(open);
+    controls->addWidget(quit);
+    const auto refresh = [toggle, this] { toggle->setText(trackingCommandText(m_model.isTracking())); };
+    connect(&m_model, &AppModel::isTrackingChanged, toggle, refresh);
+    refresh();
+    connect(toggle, &QPushButton::clicked, &m_model, &AppModel::toggleTracking);
+    connect(open, &QPushButton::clicked, &commands, &Commands::open);
+    connect(open, &QPushButton::clicked, this, &QWidget::close);
+    connect(quit, &QPushButton::clicked, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    return controls;
+}
+
+void MenuBarView::refreshTotal() {
+    m_total->setText(formatDuration(m_model.todayTotal()));
+}
+
+void MenuBarView::refreshNow() {
+    const auto& sample = m_model.currentSample();
+    m_now->setVisible(sample.has_value());
+    m_nowApp->setText(sample ? sample->appName : QString());
+    m_nowTitle->setText(sample ? sample->title : QString());
+    m_nowTitle->setVisible(sample && !sample->title.isEmpty());
+    fit();
+}
+
+void MenuBarView::refreshProjects() {
+    // Only the loaded day is shown; another day's is not today's.
+    const auto totals = m_model.isTodaySelected() ? projectTotals(m_model.dayItems()) : ProjectTotals();
+    QLayout* rows = m_projects->layout();
+    while (QLayoutItem* item = rows->takeAt(0)) {
+        delete item->widget();
+        delete item;
+    }
+    m_projects->setVisible(!totals.empty());
+    if (!totals.empty()) {
+        rows->addWidget(new Divider(Qt::Horizontal));
+        static_cast<QVBoxLayout*>(rows)->addSpacing(gap - 6);
+    }
+    for (size_t i = 0; i < std::min(totals.size(), mostProjects); ++i) {
+        const auto& [projectId, seconds] = totals[i];
+        rows->addWidget(makeProjectRow(projectId ? m_model.project(*projectId) : nullptr, seconds));
+    }
+    fit();
+}
+
+void MenuBarView::fit() {
+    layout()->activate();
+    setFixedHeight(layout()->totalSizeHint().height());
+}
+
+void MenuBarView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange && isVisible() && !isActiveWindow()) {
+        close();
+    }
+    QFrame::changeEvent(event);
+}
+
+void MenuBarView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        close();
+    } else {
+        QFrame::keyPressEvent(event);
+    }
+}
+
+void MenuBarView::paintEvent(QPaintEvent*) {
+    const Colors& colors = colorsOf(palette());
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(colors.sheetBorder);
+    painter.setBrush(colors.sheet);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), metrics::radiusCard,
+                            metrics::radiusCard);
+}
+
+void MenuBarView::resizeEvent(QResizeEvent* event) {
+    // Where nothing composes the screen a translucent corner would be black.
+    QBitmap shape(size());
+    shape.fill(Qt::color0);
+    QPainter painter(&shape);
+    painter.setPen(Qt::color1);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), metrics::radiusCard, metrics::radiusCard);
+    setMask(shape);
+    QFrame::resizeEvent(event);
+}
+
+QPoint panelPosition(const QSize& panel, const QRect& anchor, const QPoint& cursor, const QRect& screen) {
+    constexpr int distance = 6;
+    const QRect at = anchor.isEmpty() ? QRect(cursor, QSize(1, 1)) : anchor;
+    const int below = at.bottom() + 1 + distance;
+    const bool fitsBelow = below + panel.height() <= screen.bottom() + 1 - distance;
+    const QPoint wanted(at.center().x() - panel.width() / 2,
+                        fitsBelow ? below : at.top() - distance - panel.height());
+    return {std::clamp(wanted.x(), screen.left() + distance,
+                       std::max(screen.left() + distance, screen.right() + 1 - distance - panel.width())),
+            std::clamp(wanted.y(), screen.top() + distance,
+                       std::max(screen.top() + distance, screen.bottom() + 1 - distance - panel.height()))};
+}
+
+} // namespace kestu

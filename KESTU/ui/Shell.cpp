@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/Shell.h"
+
+#include "app/AppModel.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuBarView.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <chrono>
+#include <utility>
+
+namespace kestu {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Trays come late and go without a word: the desktop's panel may be restarted.
+constexpr auto trayWatchInterval = 5s;
+
+/// A click on the status item takes the focus from an open panel first: it is meant to close it.
+constexpr qint64 samePress = 250; // milliseconds
+
+QString textOf(const UpdateAnswer& answer) {
+    switch (answer.kind) {
+    case UpdateAnswer::Kind::available:
+        return QStringLiteral("新しいバージョン %1 があります。パッケージマネージャーから更新してください。")
+            .arg(answer.version);
+    case UpdateAnswer::Kind::upToDate:
+        return QStringLiteral("お使いのバージョン %1 は最新です。")
+            .arg(QCoreApplication::applicationVersion());
+    case UpdateAnswer::Kind::unavailable:
+        break;
+    }
+    return QStringLiteral("アップデートを確認できませんでした。パッケージマネージャーで確認してください。");
+}
+
+} // namespace
+
+Shell::Shell(AppModel& model, std::function<bool()> isTrayThere)
+    : m_model(model)
+    , m_isTrayThere(std::move(isTrayThere))
+    , m_commands(model)
+    , m_statusItem(model, m_commands) {
+    connect(&m_commands, &Commands::openRequested, this, &Shell::showWindow);
+    connect(&m_commands, &Commands::updateCheckRequested, this, &Shell::checkForUpdates);
+    connect(&m_statusItem, &StatusItem::clicked, this, &Shell::togglePanel);
+    connect(&m_trayWatch, &QTimer::timeout, this, &Shell::stayReachable);
+    m_trayWatch.start(trayWatchInterval);
+}
+
+Shell::~Shell() {
+    delete m_panel;
+    delete m_window;
+}
+
+void Shell::showWindow() {
+    if (!m_window) {
+        m_window = new MainWindow(m_model, m_commands);
+        m_window->setAttribute(Qt::WA_DeleteOnClose);
+        m_window->mayClose = [this] { return closeOrMinimise(); };
+    }
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+bool Shell::closeOrMinimise() {
+    if (m_isTrayThere()) {
+        return true;
+    }
+    m_window->showMinimized();
+    return false;
+}
+
+void Shell::togglePanel() {
+    if (m_panel || (m_sincePanelClosed.isValid() && m_sincePanelClosed.elapsed() < samePress)) {
+        delete m_panel;
+        return;
+    }
+    m_panel = new MenuBarView(m_model, m_commands);
+    m_panel->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_panel, &QObject::destroyed, this, [this] { m_sincePanelClosed.start(); });
+    const QRect anchor = m_statusItem.geometry();
+    const QPoint cursor = QCursor::pos();
+    const QScreen* screen = QGuiApplication::screenAt(anchor.isEmpty() ? cursor : anchor.center());
+    screen = screen ? screen : QGuiApplication::primaryScreen();
+    m_panel->move(panelPosition(m_panel->size(), anchor, cursor, screen->availableGeometry()));
+    m_panel->show();
+    m_panel->raise();
+    m_panel->activateWindow();
+}
+
+void Shell::checkForUpdates() {
+    m_model.checkForUpdates([this, context = QPointer<Shell>(this)](const UpdateAnswer& answer) {
+        if (context) {
+            showAnswer(answer);
+        }
+    });
+}
+
+void Shell::showAnswer(const UpdateAnswer& answer) {
+    showWindow();
+    m_window->showMessage(QStringLiteral("アップデート"), textOf(answer));
+}
+
+void Shell::checkForUpdatesQuietly() {
+    m_model.checkForUpdates([this, context = QPointer<Shell>(this)](const UpdateAnswer& answer) {
+        if (context && answer.kind == UpdateAnswer::Kind::available) {
+            m_commands.offerVersion(answer.version);
+        }
+    });
+}
+
+void Shell::stayReachable() {
+    if (!m_window && !m_isTrayThere()) {
+        showWindow();
+        m_window->showMinimized();
+    }
+}
+
+} // namespace kestu

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What surrounds the screens: the main window and the panel while they are open, the status item, and the
+// rule that something of them can always be reached. Owned by main.
+#pragma once
+
+#include "platform/SoftwareUpdates.h"
+#include "ui/Commands.h"
+#include "ui/StatusItem.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+
+namespace kestu {
+
+class AppModel;
+class MainWindow;
+class MenuBarView;
+
+class Shell final : public QObject {
+public:
+    /// `model` outlives this; `isTrayThere` says whether the desktop has a tray at this moment.
+    Shell(AppModel& model, std::function<bool()> isTrayThere);
+    ~Shell() override;
+
+    /// Opens the main window, or brings it to the front.
+    void showWindow();
+
+    /// Asks once, quietly, whether there is a newer version.
+    void checkForUpdatesQuietly();
+
+    /// After a change of the application's colours.
+    void refreshColors() { m_statusItem.refreshIcon(); }
+
+    [[nodiscard]] MainWindow* window() const { return m_window; } // null while closed
+    [[nodiscard]] MenuBarView* panel() const { return m_panel; }  // null while closed
+    [[nodiscard]] StatusItem& statusItem() { return m_statusItem; }
+
+private:
+    [[nodiscard]] bool closeOrMinimise();
+    void togglePanel();
+    void checkForUpdates();
+    void showAnswer(const UpdateAnswer& answer);
+    void stayReachable();
+
+    AppModel& m_model;
+    std::function<bool()> m_isTrayThere;
+    Commands m_commands;
+    StatusItem m_statusItem;
+    QPointer<MainWindow> m_window;
+    QPointer<MenuBarView> m_panel;
+    QElapsedTimer m_sincePanelClosed;
+    QTimer m_trayWatch;
+};
+
+} // namespace kestu

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The left column of the main window: the screens to choose from, and at its foot whether KESTU records.
+#pragma once
+
+#include <QFrame>
+
+class QListWidget;
+
+namespace kestu {
+
+class AppModel;
+class Commands;
+
+class Sidebar final : public QFrame {
+public:
+    Sidebar(AppModel& model, Commands& commands);
+
+    [[nodiscard]] QWidget* screenList() const;
+
+private:
+    void refreshScreen();
+    void refreshBadge();
+
+    AppModel& m_model;
+    QListWidget* m_list;
+};
+
+} // namespace kestu

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/StatusItem.h"
+
+#include "app/AppModel.h"
+#include "ui/Commands.h"
+#include "ui/theme/Icons.h"
+
+namespace kestu {
+
+StatusItem::StatusItem(AppModel& model, Commands& commands)
+    : m_model(model) {
+    commands.fillStatusMenu(m_menu);
+    m_icon.setContextMenu(&m_menu);
+    connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
+            Q_EMIT clicked();
+        }
+    });
+    connect(&m_model, &AppModel::isTrackingChanged, this, &StatusItem::refreshIcon);
+    refreshIcon();
+    m_icon.show();
+}
+
+QString StatusItem::iconName() const {
+    return m_model.isTracking() ? QStringLiteral("clock.fill") : QStringLiteral("clock.badge.xmark");
+}
+
+void StatusItem::refreshIcon() {
+    m_icon.setIcon(iconOf(iconName()));
+    m_icon.setToolTip(m_model.isTracking() ? QStringLiteral("KESTU：記録中")
+                                           : QStringLiteral("KESTU：一時停止中"));
+}
+
+} // namespace kestu

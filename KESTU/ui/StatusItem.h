@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The icon in the desktop's tray. A click opens the panel, the other button the menu. Owned by the shell.
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QSystemTrayIcon>
+
+#include <optional>
+
+namespace kestu {
+
+class AppModel;
+class Commands;
+
+class StatusItem final : public QObject {
+    Q_OBJECT
+
+public:
+    StatusItem(AppModel& model, Commands& commands);
+
+    /// Its place on the screen; empty where the desktop does not tell.
+    [[nodiscard]] QRect geometry() const { return m_icon.geometry(); }
+
+    [[nodiscard]] QMenu& menu() { return m_menu; }
+
+    /// The name of the icon that is shown.
+    [[nodiscard]] QString iconName() const;
+
+    /// After a change of the desktop's colours.
+    void refreshIcon();
+
+Q_SIGNALS:
+    void clicked();
+
+private:
+    AppModel& m_model;
+    QMenu m_menu;
+    QSystemTrayIcon m_icon;
+};
+
+} // namespace kestu

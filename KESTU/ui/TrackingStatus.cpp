@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TrackingStatus.h"
+
+#include "app/AppModel.h"
+#include "classify/DurationText.h"
+#include "ui/controls/Surfaces.h"
+#include "ui/controls/TextLabel.h"
+#include "ui/theme/Theme.h"
+
+#include <QEvent>
+#include <QVBoxLayout>
+
+namespace kestu {
+
+TrackingStatus::TrackingStatus(AppModel& model)
+    : m_model(model)
+    , m_dot(new ProjectDot({}, 8))
+    , m_state(new TextLabel({}, TextStyle::caption))
+    , m_total(new TextLabel({}, TextStyle::caption, ink::secondary)) {
+    m_state->setFont(semibold(m_state->font()));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(6);
+    row->addWidget(m_dot);
+    row->addWidget(m_state, 1);
+    layout->addLayout(row);
+    layout->addWidget(m_total);
+
+    connect(&m_model, &AppModel::isTrackingChanged, this, &TrackingStatus::refreshState);
+    connect(&m_model, &AppModel::todayTotalChanged, this, &TrackingStatus::refreshTotal);
+    refreshState();
+    refreshTotal();
+}
+
+void TrackingStatus::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) {
+        refreshState(); // the dot's colour is a value of the old set
+    }
+    QWidget::changeEvent(event);
+}
+
+void TrackingStatus::refreshState() {
+    const Colors& colors = colorsOf(palette());
+    m_dot->setColor(m_model.isTracking() ? colors.green : colors.textSecondary);
+    m_state->setText(m_model.isTracking() ? QStringLiteral("記録中") : QStringLiteral("一時停止中"));
+}
+
+void TrackingStatus::refreshTotal() {
+    m_total->setText(QStringLiteral("今日 ") + formatDuration(m_model.todayTotal()));
+}
+
+} // namespace kestu

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Renders every finished screen, sheet and panel with the sample day to PNG files, light and dark.
+//
+// usage: kestu_screens FOLDER
+#include "app/AppModel.h"
+#include "support/FakePlatform.h"
+#include "support/SampleDay.h"
+#include "support/TemporaryStore.h"
+#include "ui/Commands.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuBarView.h"
+#include "ui/theme/KestuStyle.h"
+
+#include <QApplication>
+#include <QDir>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace kestu {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr QSize sizes[] = {{900, 560}, {1100, 720}};
+
+class Studio final {
+public:
+    Studio(QDir folder, QString theme)
+        : m_folder(std::move(folder))
+        , m_theme(std::move(theme)) {
+        m_store.now = test::sampleNow;
+        test::fillSampleDay(*m_store.repository);
+        m_platform.fakeSettings.booleans[u"welcomeShown"_s] = true;
+        m_platform.fakeAccessibility.granted = true;
+        m_platform.fakeWorkspace.front = {
+            .bundleId = u"jp.example.メール"_s, .localizedName = u"メール"_s, .processId = 1};
+        m_platform.fakeWorkspace.title = u"作成：11月分の作業報告（A社） — 下書きを保存しました"_s;
+    }
+
+    void renderAll() {
+        AppModel model(std::move(m_store.repository), m_platform,
+                       {.clock = [] { return test::sampleNow; }, .calendar = test::tokyo, .screen = {}});
+        model.loadSettings();
+        model.start();
+        Commands commands(model);
+        renderScreens(model, commands);
+        render(std::make_unique<MenuBarView>(model, commands), u"panel"_s);
+        renderStates(model, commands);
+    }
+
+private:
+    void renderScreens(AppModel& model, Commands& commands) {
+        for (const SidebarEntry& entry : sidebarEntries) {
+            model.setScreen(entry.item);
+            renderWindow(model, commands, entry.raw.toString());
+        }
+        model.setScreen(SidebarItem::timeline);
+    }
+
+    void renderStates(AppModel& model, Commands& commands) {
+        model.setErrorMessage(u"終了は開始より後にしてください"_s);
+        renderWindow(model, commands, u"error"_s);
+        model.clearErrorMessage();
+        m_platform.fakeAccessibility.granted = false;
+        model.refreshAccessibility();
+        renderWindow(model, commands, u"permission"_s);
+        m_platform.fakeSettings.booleans[u"welcomeShown"_s] = false;
+        renderWindow(model, commands, u"welcome"_s);
+        model.toggleTracking();
+        model.shiftDay(-1);
+        render(std::make_unique<MenuBarView>(model, commands), u"panel-paused"_s);
+    }
+
+    void renderWindow(AppModel& model, Commands& commands, const QString& name) {
+        for (const QSize& size : sizes) {
+            auto window = std::make_unique<MainWindow>(model, commands);
+            window->resize(size);
+            render(std::move(window), u"%1-%2x%3"_s.arg(name).arg(size.width()).arg(size.height()));
+        }
+    }
+
+    void render(std::unique_ptr<QWidget> widget, const QString& name) {
+        widget->show();
+        QApplication::processEvents();
+        const QString path = m_folder.filePath(u"%1-%2.png"_s.arg(name, m_theme));
+        if (!widget->grab().save(path)) {
+            throw std::runtime_error("cannot write " + path.toStdString());
+        }
+    }
+
+    QDir m_folder;
+    QString m_theme;
+    test::TemporaryStore m_store;
+    test::FakePlatform m_platform;
+};
+
+int renderInto(QApplication& application, const QDir& folder) {
+    if (!folder.mkpath(u"."_s)) {
+        std::fputs("cannot make the folder\n", stderr);
+        return EXIT_FAILURE;
+    }
+    installStyle(application);
+    const std::pair<QString, const Colors&> themes[] = {{u"light"_s, lightColors()},
+                                                        {u"dark"_s, darkColors()}};
+    for (const auto& [name, colors] : themes) {
+        applyTheme(application, colors);
+        Studio(folder, name).renderAll();
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+} // namespace kestu
+
+int main(int argc, char* argv[]) {
+    // The same pictures on every machine.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8");
+    QApplication application(argc, argv);
+    if (argc != 2) {
+        std::fputs("usage: kestu_screens FOLDER\n", stderr);
+        return 2;
+    }
+    QApplication::setApplicationDisplayName(QStringLiteral("KESTU"));
+    QApplication::setApplicationVersion(QStringLiteral(KESTU_VERSION));
+    return kestu::renderInto(application, QDir(QString::fromLocal8Bit(argv[1])));
+}

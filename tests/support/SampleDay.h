@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A day as a person has it, for pictures and for tests of screens: Wednesday, 18 November 2026 in Tokyo, at
+// 18:44, with 8 hours 26 minutes recorded, four projects, three tags and two waiting suggestions.
+#pragma once
+
+#include "base/Calendar.h"
+#include "storage/Repository.h"
+
+namespace kestu::test {
+
+[[nodiscard]] inline Calendar tokyo() {
+    return {.zone = QTimeZone("Asia/Tokyo"), .firstWeekday = Qt::Sunday};
+}
+
+/// 2026-11-18 00:00 in Tokyo.
+inline constexpr Instant sampleDay = instantAt(1'794'927'600);
+
+/// A time of the sample day.
+[[nodiscard]] constexpr Instant sampleTime(int hour, int minute) {
+    return sampleDay + Seconds{hour * 3600.0 + minute * 60.0};
+}
+
+inline constexpr Instant sampleNow = sampleTime(18, 44);
+
+namespace sample {
+
+struct Span {
+    int fromHour;
+    int fromMinute;
+    int toHour;
+    int toMinute;
+    const char16_t* app;
+    const char16_t* title;
+    int project; // position in the list of projects, from 1; 0: none
+};
+
+inline constexpr Span spans[] = {
+    {8, 52, 9, 7, u"メール", u"受信トレイ（12件の未読）", 0},
+    {9, 7, 9, 15, u"Firefox", u"課題一覧 - A社ポータル", 1},
+    {9, 15, 9, 41, u"エディタ", u"注文API.cpp", 1},
+    {9, 41, 9, 44, u"メール", u"Re: 見積書の件（山田商会）", 0},
+    {9, 44, 10, 24, u"エディタ", u"注文API.cpp", 1},
+    {10, 32, 11, 28, u"Firefox", u"A社 見積り", 1},
+    {11, 28, 11, 32, u"メール", u"受信トレイ", 0},
+    {11, 32, 11, 56, u"Firefox", u"議事録 2026-11-18 A社 週次定例 - Google ドキュメント", 1},
+    {11, 56, 12, 4, u"Slack", u"雑談", 0},
+    {13, 1, 13, 14, u"Slack", u"雑談", 0},
+    {13, 14, 13, 52, u"表計算", u"請求書 10月分.ods", 3},
+    {14, 0, 15, 5, u"Zoom", u"A社と打ち合わせ", 1},
+    {15, 18, 15, 52, u"エディタ", u"kestu/Timeline.cpp", 2},
+    {15, 52, 16, 23, u"Firefox", u"Qt の描画を読む", 4},
+    {16, 23, 18, 9, u"エディタ", u"kestu/HourRow.cpp", 2},
+    {18, 9, 18, 44, u"メール", u"作成：11月分の作業報告（A社） — 下書きを保存しました", 0},
+};
+
+} // namespace sample
+
+/// Fills an empty store with the sample day.
+inline void fillSampleDay(Repository& repository) {
+    using namespace Qt::StringLiterals;
+    Database::Transaction transaction(repository.database());
+    std::vector<ProjectId> projects;
+    for (const auto& [name, color] : {std::pair(u"A社案件"_s, u"#4F7CF7"_s),
+                                      {u"KESTU開発"_s, u"#F2994A"_s},
+                                      {u"請求・経理"_s, u"#27AE60"_s},
+                                      {u"学習"_s, u"#9B51E0"_s}}) {
+        projects.push_back(repository.insertCategory(CategoryKind::project, name, color));
+    }
+    for (const auto& [name, color] :
+         {std::pair(u"顧客A"_s, u"#EB5757"_s), {u"集中"_s, u"#F2C94C"_s}, {u"会議"_s, u"#2D9CDB"_s}}) {
+        repository.insertCategory(CategoryKind::tag, name, color);
+    }
+    for (const sample::Span& span : sample::spans) {
+        const QString app = QString::fromUtf16(span.app);
+        const auto id = repository.insertActivity({.bundleId = u"jp.example."_s + app,
+                                                   .appName = app,
+                                                   .title = QString::fromUtf16(span.title),
+                                                   .url = {}},
+                                                  sampleTime(span.fromHour, span.fromMinute));
+        repository.extendActivity(id, sampleTime(span.toHour, span.toMinute));
+        if (span.project > 0) {
+            repository.setProject(std::span(&id, 1), projects[static_cast<size_t>(span.project - 1)]);
+        }
+    }
+    for (const QString& value : {u"redmine.a-sha.example.jp"_s, u"メール"_s}) {
+        repository.database().run(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, value, "
+                                  "created_at) VALUES ('project', 'A社案件', 'app', 'equals', ?, 0)"_s,
+                                  {value});
+    }
+    transaction.commit();
+}
+
+} // namespace kestu::test

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The application as its user meets it, on a display with a window manager and a tray: controls are found by
+// their accessible names and clicked with the display's mouse.
+#include "app/AppModel.h"
+#include "support/Desk.h"
+#include "support/FakePlatform.h"
+#include "support/PrivateBus.h"
+#include "support/SampleDay.h"
+#include "support/Screen.h"
+#include "support/TemporaryStore.h"
+#include "ui/HelpPages.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuBarView.h"
+#include "ui/Shell.h"
+#include "ui/theme/KestuStyle.h"
+
+#include <QApplication>
+#include <QScreen>
+
+#include <gtest/gtest.h>
+
+namespace kestu {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+using test::click;
+using test::isShown;
+using test::pressKey;
+using test::waitUntil;
+
+constexpr int patience = 5000; // milliseconds
+
+class ShellTest : public testing::Test {
+protected:
+    ShellTest() {
+        test::fillSampleDay(*store.repository);
+        platform.fakeSettings.booleans[u"welcomeShown"_s] = true;
+        platform.fakeWorkspace.front = {.bundleId = u"a"_s, .localizedName = u"メール"_s, .processId = 1};
+        platform.fakeWorkspace.title = u"<b>件名</b>"_s;
+    }
+
+    void launch(const QString& screen = {}) {
+        auto repository = store.open();
+        model = std::make_unique<AppModel>(
+            std::move(repository), platform,
+            AppModel::Environment{.clock = [this] { return now; }, .calendar = test::tokyo, .screen = screen});
+        shell = std::make_unique<Shell>(*model, [this] { return isTrayThere; });
+        model->loadSettings();
+        model->start();
+        shell->showWindow();
+        ASSERT_TRUE(waitUntil([this] { return shell->window()->isActiveWindow(); }, patience));
+    }
+
+    void closeWindow() {
+        test::outputOf(u"xdotool"_s, {u"getactivewindow"_s, u"windowquit"_s});
+        waitUntil([this] { return !shell->window() || shell->window()->isMinimized(); }, patience);
+    }
+
+    [[nodiscard]] std::string rows() { return store.dump(u"SELECT count(*) FROM activity"_s); }
+
+    void TearDown() override {
+        shell.reset();
+        model.reset();
+        applyTheme(*qApp, lightColors());
+    }
+
+    Instant now = test::sampleNow;
+    test::TemporaryStore store;
+    test::FakePlatform platform;
+    std::unique_ptr<AppModel> model;
+    std::unique_ptr<Shell> shell;
+    bool isTrayThere = true;
+};
+
+TEST_F(ShellTest, GreetsOnceAndHasOneWayOutOfTheGreeting) {
+    platform.fakeSettings.booleans.remove(u"welcomeShown"_s);
+    platform.fakeAccessibility = {.granted = false, .grantsOnRequest = true};
+    launch();
+    ASSERT_TRUE(isShown(u"KESTUへようこそ"_s));
+    EXPECT_TRUE(isShown(u"1"_s));
+    pressKey(u"Escape"_s);
+    EXPECT_TRUE(isShown(u"KESTUへようこそ"_s));
+    EXPECT_FALSE(click(u"レポート"_s, QAccessible::ListItem)) << "what lies beneath does not answer";
+
+    EXPECT_TRUE(click(u"許可する"_s));
+    EXPECT_EQ(platform.fakeAccessibility.requests, 1);
+    EXPECT_TRUE(isShown(u"済み"_s));
+    pressKey(u"Return"_s);
+    EXPECT_FALSE(isShown(u"KESTUへようこそ"_s));
+    EXPECT_TRUE(platform.fakeSettings.booleans.value(u"welcomeShown"_s));
+
+    closeWindow();
+    ASSERT_FALSE(shell->window());
+    shell->showWindow();
+    EXPECT_FALSE(isShown(u"KESTUへようこそ"_s));
+}
+
+TEST_F(ShellTest, PausesAndResumesFromThePanelAndFromTheMenu) {
+    const test::Program tray(u"trayer"_s, {u"--edge"_s, u"top"_s, u"--align"_s, u"right"_s});
+    launch();
+    ASSERT_TRUE(waitUntil([this] { return !shell->statusItem().geometry().isEmpty(); }, 15000));
+    const auto iconName = [this] { return shell->statusItem().iconName(); };
+    const auto clickIcon = [this] { test::clickAt(shell->statusItem().geometry().center()); };
+    EXPECT_EQ(iconName(), u"clock.fill"_s);
+    clickIcon();
+    ASSERT_TRUE(waitUntil([this] { return shell->panel() && shell->panel()->isActiveWindow(); }, patience));
+    EXPECT_TRUE(QGuiApplication::primaryScreen()->geometry().contains(shell->panel()->frameGeometry()));
+    EXPECT_TRUE(isShown(u"<b>件名</b>"_s)) << "a title is text, whatever it holds";
+    EXPECT_TRUE(isShown(u"3時間39分"_s));
+
+    EXPECT_TRUE(click(u"一時停止"_s));
+    EXPECT_TRUE(isShown(u"一時停止中"_s)) << "in the sidebar too";
+    EXPECT_EQ(iconName(), u"clock.badge.xmark"_s);
+    EXPECT_TRUE(model->userPaused());
+    EXPECT_TRUE(click(u"記録を再開"_s));
+    EXPECT_TRUE(isShown(u"記録中"_s));
+
+    pressKey(u"Escape"_s);
+    EXPECT_TRUE(waitUntil([this] { return !shell->panel(); }, patience));
+    QAction* toggle = shell->statusItem().menu().actions().first();
+    EXPECT_EQ(toggle->text(), u"一時停止"_s);
+    toggle->trigger();
+    EXPECT_FALSE(model->isTracking());
+    EXPECT_EQ(toggle->text(), u"記録を再開"_s);
+
+    clickIcon();
+    ASSERT_TRUE(waitUntil([this] { return shell->panel() && shell->panel()->isActiveWindow(); }, patience));
+    shell->window()->activateWindow();
+    EXPECT_TRUE(waitUntil([this] { return !shell->panel(); }, patience)) << "it closes without the focus";
+}
+
+TEST_F(ShellTest, RecordsOnBehindAClosedWindowAndOpensItAgainOnToday) {
+    launch();
+    model->shiftDay(-3);
+    closeWindow();
+    ASSERT_FALSE(shell->window());
+    const std::string before = rows();
+    platform.fakeWorkspace.title = u"別の題"_s;
+    now += Seconds{2};
+    Q_EMIT platform.events.applicationActivated();
+    EXPECT_NE(rows(), before);
+    shell->statusItem().menu().actions().at(1)->trigger();
+    ASSERT_TRUE(waitUntil([this] { return shell->window() && shell->window()->isActiveWindow(); }, patience));
+    EXPECT_TRUE(model->isTodaySelected());
+}
+
+TEST_F(ShellTest, MinimisesWhereThereIsNoTray) {
+    isTrayThere = false;
+    launch();
+    closeWindow();
+    ASSERT_TRUE(shell->window());
+    EXPECT_TRUE(waitUntil([this] { return shell->window()->isMinimized(); }, patience));
+    shell->showWindow();
+    EXPECT_TRUE(waitUntil([this] { return shell->window()->isActiveWindow(); }, patience));
+
+    isTrayThere = true;
+    closeWindow();
+    ASSERT_FALSE(shell->window());
+    isTrayThere = false;
+    EXPECT_TRUE(waitUntil([this] { return shell->window() != nullptr; }, 8000)) << "the tray is gone";
+}
+
+TEST_F(ShellTest, SaysAnErrorOnceWhateverHappensBeneath) {
+    launch();
+    QFile::rename(store.path, store.path + u".moved"_s);
+    ASSERT_TRUE(waitUntil([] { return isShown(u"エラー"_s); }, 8000));
+    pressKey(u"Return"_s);
+    EXPECT_FALSE(isShown(u"エラー"_s));
+    EXPECT_FALSE(model->errorMessage());
+    EXPECT_FALSE(waitUntil([] { return isShown(u"エラー"_s); }, 7000)) << "not again with each look";
+
+    model->setErrorMessage(u"x <b>y</b>"_s);
+    EXPECT_TRUE(isShown(u"x <b>y</b>"_s));
+    pressKey(u"Escape"_s);
+    EXPECT_FALSE(model->errorMessage());
+}
+
+TEST_F(ShellTest, CountsWhatAnotherProcessSuggests) {
+    launch();
+    const auto other = store.open();
+    other->database().run(u"DELETE FROM rule_suggestion"_s);
+    const auto badge = [] {
+        return test::findControl(u"分類とルール"_s, QAccessible::ListItem)->text(QAccessible::Description);
+    };
+    EXPECT_TRUE(waitUntil([&] { return badge().isEmpty(); }, 4000));
+    for (int i = 0; i < 3; ++i) {
+        other->database().run(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, value, "
+                              "created_at) VALUES ('tag', 't', 'app', 'equals', 'v', 0)"_s);
+    }
+    EXPECT_TRUE(waitUntil([&] { return badge() == u"提案 3 件"_s; }, 4000));
+}
+
+TEST_F(ShellTest, ShowsTheBannerUntilTitlesCanBeRead) {
+    platform.fakeAccessibility = {.granted = false, .grantsOnRequest = false};
+    launch();
+    ASSERT_TRUE(isShown(u"許可する"_s));
+    EXPECT_TRUE(click(u"許可する"_s));
+    EXPECT_TRUE(click(u"システム設定を開く"_s));
+    EXPECT_EQ(platform.fakeAccessibility.settingsOpened, 1);
+    EXPECT_TRUE(isShown(u"許可する"_s));
+
+    const test::Terminal settings(u"Settings"_s, u"settings"_s);
+    settings.activate();
+    platform.fakeAccessibility.granted = true;
+    ASSERT_TRUE(waitUntil([this] { return !shell->window()->isActiveWindow(); }, patience));
+    shell->showWindow();
+    EXPECT_TRUE(waitUntil([] { return !isShown(u"許可する"_s); }, patience)) << "on coming back";
+}
+
+TEST_F(ShellTest, OpensTheHelpPagesAndAnswersWhetherThereIsANewerVersion) {
+    launch();
+    pressKey(u"F1"_s);
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(click(u"うまくいかないとき"_s, QAccessible::MenuItem));
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(click(u"利用規約"_s, QAccessible::MenuItem));
+    EXPECT_EQ(platform.fakeOpener.addresses,
+              (QList<QUrl>{addressOf(HelpPage::start), addressOf(HelpPage::support), addressOf(HelpPage::terms)}));
+
+    const std::pair<UpdateAnswer, QString> rowsOfTest[] = {
+        {{.kind = UpdateAnswer::Kind::available, .version = u"9.1"_s},
+         u"新しいバージョン 9.1 があります。パッケージマネージャーから更新してください。"_s},
+        {{.kind = UpdateAnswer::Kind::upToDate, .version = {}},
+         u"お使いのバージョン %1 は最新です。"_s.arg(QApplication::applicationVersion())},
+        {{.kind = UpdateAnswer::Kind::unavailable, .version = {}},
+         u"アップデートを確認できませんでした。パッケージマネージャーで確認してください。"_s},
+    };
+    for (const auto& [answer, text] : rowsOfTest) {
+        EXPECT_TRUE(click(u"メニュー"_s));
+        EXPECT_TRUE(click(u"アップデートを確認…"_s, QAccessible::MenuItem));
+        ASSERT_TRUE(waitUntil([this] { return !platform.fakeUpdates.asked.empty(); }, patience));
+        platform.fakeUpdates.asked.back()(answer);
+        EXPECT_TRUE(isShown(text)) << text.toStdString();
+        EXPECT_TRUE(click(u"OK"_s));
+    }
+
+    shell->checkForUpdatesQuietly();
+    platform.fakeUpdates.asked.back()(rowsOfTest[0].first);
+    EXPECT_FALSE(isShown(rowsOfTest[0].second)) << "nobody asked";
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(isShown(u"バージョン 9.1 を入手できます"_s));
+    pressKey(u"Escape"_s);
+}
+
+TEST_F(ShellTest, BeginsOnTheNamedScreenAndFollowsTheSidebar) {
+    launch(u"settings"_s);
+    EXPECT_EQ(shell->window()->windowTitle(), u"設定"_s);
+    EXPECT_TRUE(click(u"分類とルール"_s, QAccessible::ListItem));
+    EXPECT_EQ(model->screen(), SidebarItem::projects);
+    pressKey(u"Up"_s);
+    EXPECT_EQ(model->screen(), SidebarItem::report);
+    EXPECT_EQ(shell->window()->windowTitle(), u"KESTU"_s);
+}
+
+TEST_F(ShellTest, FollowsAChangeOfTheDesktopsColours) {
+    launch();
+    const auto corner = [this] { return shell->window()->grab().toImage().pixelColor(2, 200); };
+    EXPECT_EQ(corner(), lightColors().sidebar);
+    applyTheme(*qApp, darkColors());
+    EXPECT_TRUE(waitUntil([&] { return corner() == darkColors().sidebar; }, patience));
+}
+
+TEST(PanelPosition, IsBesideItsAnchorAndInsideTheScreen) {
+    const QRect screen(0, 0, 1000, 800);
+    const QSize panel(280, 300);
+    const struct {
+        QRect anchor;
+        QPoint cursor;
+        QPoint expected;
+    } rows[] = {
+        {{490, 0, 20, 20}, {}, {360, 26}},        // a tray at the top
+        {{490, 780, 20, 20}, {}, {360, 474}},     // at the bottom
+        {{980, 0, 20, 20}, {}, {714, 26}},        // in a corner
+        {{}, {500, 10}, {360, 17}},               // no place known: the cursor's
+        {{}, {2, 799}, {6, 493}},                 // in the other corner
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(panelPosition(panel, row.anchor, row.cursor, screen), row.expected);
+    }
+}
+
+} // namespace
+} // namespace kestu
