@@ -246,7 +246,7 @@ QColor colorFromText(const QString& text) {
     }
     quint32 value = 0; // only its low 24 bits matter, so what overflows may go
     for (const QChar digit : digits) {
-        const int at = QStringView(u"0123456789abcdef").indexOf(digit.toLower());
+        const qsizetype at = QStringView(u"0123456789abcdef").indexOf(digit.toLower());
         if (at < 0) {
             break;
         }
