@@ -74,7 +74,7 @@ QWidget* MainWindow::makeDetail() {
 }
 
 void MainWindow::showMessage(const QString& title, const QString& text) {
-    (new Alert(this, title, text))->present();
+    Alert::tell(this, title, text);
 }
 
 void MainWindow::showWelcome() {
@@ -104,15 +104,14 @@ void MainWindow::refreshError() {
         return; // the alert is what clears it
     }
     if (m_errorAlert) {
-        m_errorAlert->setText(*message);
-        return;
+        m_errorAlert->disconnect(this); // another error takes its place
+        m_errorAlert->close();
     }
-    m_errorAlert = new Alert(this, QStringLiteral("エラー"), *message);
+    m_errorAlert = Alert::tell(this, QStringLiteral("エラー"), *message);
     connect(m_errorAlert, &Sheet::closed, this, [this] {
         m_errorAlert = nullptr;
         m_model.clearErrorMessage();
     });
-    m_errorAlert->present();
 }
 
 void MainWindow::changeEvent(QEvent* event) {

@@ -97,17 +97,15 @@ QLayout* makeStep(StepBadge* badge, const QString& title, const QString& text, Q
 } // namespace
 
 WelcomeSheet::WelcomeSheet(QWidget* host, AppModel& model)
-    : Sheet(host, sheetWidth, QStringLiteral("KESTUへようこそ")) {
+    : Sheet(host, sheetWidth) {
+    setAccessibleName(QStringLiteral("KESTUへようこそ"));
     setDismissable(false);
     auto* first = new StepBadge(1);
-    auto* begin = new QPushButton(QStringLiteral("はじめる"));
-    begin->setDefault(true);
-    auto* footer = new QHBoxLayout;
-    footer->addStretch();
-    footer->addWidget(begin);
+    auto* begin = addButton(QStringLiteral("はじめる"), true);
+    footer()->setContentsMargins(padding, 20, padding, padding);
 
-    auto* layout = new QVBoxLayout(content());
-    layout->setContentsMargins(padding, padding, padding, padding);
+    QVBoxLayout* layout = content();
+    layout->setContentsMargins(padding, padding, padding, 0);
     layout->setSpacing(20);
     layout->addLayout(makeHeader());
     layout->addLayout(makeStep(first, QStringLiteral("ウィンドウ名を記録する許可"),
@@ -121,7 +119,6 @@ WelcomeSheet::WelcomeSheet(QWidget* host, AppModel& model)
     layout->addLayout(makeStep(new StepBadge(3), QStringLiteral("AI 連携（あとからでも）"),
                                QStringLiteral("設定 →「AI 連携（MCP）」から Claude "
                                               "につなぐと、今日のまとめやルールの提案を頼めます。")));
-    layout->addLayout(footer);
 
     const auto refresh = [first, &model] { first->setDone(model.accessibilityGranted()); };
     connect(&model, &AppModel::accessibilityGrantedChanged, first, refresh);
