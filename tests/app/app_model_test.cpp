@@ -54,7 +54,7 @@ protected:
 
     /// What the user is told, which takes it away.
     [[nodiscard]] std::string told() const {
-        const std::string text = model->errorMessage().value_or(QString()).toStdString();
+        std::string text = model->errorMessage().value_or(QString()).toStdString();
         model->clearErrorMessage();
         return text;
     }
