@@ -54,7 +54,7 @@ const Colors& wantedColors(const Appearance& appearance, const QPalette& desktop
 }
 
 int record(QApplication& application, const SingleInstance& instance, std::unique_ptr<Repository> repository,
-           const QPalette& desktopPalette) {
+           const QPalette& desktopPalette, FirstView firstView) {
     const LinuxPlatformStart started = startLinuxPlatform();
     if (!started.warning.isEmpty()) {
         say(started.warning);
@@ -125,7 +125,8 @@ int main(int argc, char* argv[]) {
     }
     QApplication application(argc, argv);
     QStringList arguments = QApplication::arguments().sliced(1);
-    const auto firstView = arguments.removeOne(QStringLiteral("--background")) ? FirstView::none : FirstView::window;
+    const auto firstView =
+        arguments.removeOne(QStringLiteral("--background")) ? FirstView::none : FirstView::window;
     if (!arguments.isEmpty()) {
         return finish(usageError(QStringLiteral("不明な引数です：%1").arg(arguments.first())));
     }

@@ -57,6 +57,14 @@ Shell::~Shell() {
     delete m_window;
 }
 
+MainWindow* Shell::window() const {
+    return m_window;
+}
+
+MenuBarView* Shell::panel() const {
+    return m_panel;
+}
+
 void Shell::showWindow() {
     if (!m_window) {
         m_window = new MainWindow(m_model, m_commands);

@@ -36,8 +36,8 @@ public:
     /// After a change of the application's colours.
     void refreshColors() { m_statusItem.refreshIcon(); }
 
-    [[nodiscard]] MainWindow* window() const { return m_window; } // null while closed
-    [[nodiscard]] MenuBarView* panel() const { return m_panel; }  // null while closed
+    [[nodiscard]] MainWindow* window() const; // null while closed
+    [[nodiscard]] MenuBarView* panel() const; // null while closed
     [[nodiscard]] StatusItem& statusItem() { return m_statusItem; }
 
 private:

@@ -162,6 +162,10 @@ QWidget* Sidebar::screenList() const {
     return m_list;
 }
 
+void Sidebar::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), colorsOf(palette()).sidebar);
+}
+
 void Sidebar::refreshScreen() {
     m_list->setCurrentRow(static_cast<int>(m_model.screen()));
 }

@@ -18,6 +18,9 @@ public:
 
     [[nodiscard]] QWidget* screenList() const;
 
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
 private:
     void refreshScreen();
     void refreshBadge();

@@ -57,9 +57,8 @@ inline constexpr Span spans[] = {
 } // namespace sample
 
 /// Fills an empty store with the sample day.
-inline void fillSampleDay(Repository& repository) {
+inline void writeSampleDay(Repository& repository) {
     using namespace Qt::StringLiterals;
-    Database::Transaction transaction(repository.database());
     std::vector<ProjectId> projects;
     for (const auto& [name, color] : {std::pair(u"A社案件"_s, u"#4F7CF7"_s),
                                       {u"KESTU開発"_s, u"#F2994A"_s},
@@ -88,7 +87,10 @@ inline void fillSampleDay(Repository& repository) {
                                   "created_at) VALUES ('project', 'A社案件', 'app', 'equals', ?, 0)"_s,
                                   {value});
     }
-    transaction.commit();
+}
+
+inline void fillSampleDay(Repository& repository) {
+    repository.database().transaction([&] { writeSampleDay(repository); });
 }
 
 } // namespace kestu::test

@@ -102,7 +102,7 @@ QSize buttonSize(const QStyleOptionButton& option, const QWidget* widget) {
     if (option.text.isEmpty()) {
         return {height, height};
     }
-    const int padding = isSmall(widget) ? 10 : 12;
+    const int padding = isSmall(widget) ? 11 : 13; // with the edge
     const int text = QFontMetrics(fontFor(option, widget)).horizontalAdvance(option.text);
     const int icon = hasIcon ? option.iconSize.width() + iconGap - 3 : 0; // an icon stands closer to the edge
     return {padding + icon + text + padding, height};
