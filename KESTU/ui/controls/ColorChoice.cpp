@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/ColorChoice.h"
 
+#include "ui/controls/Roles.h"
 #include "ui/controls/Swatch.h"
 
 #include <QPainter>
@@ -54,6 +55,8 @@ void Swatch::paintEvent(QPaintEvent*) {
 
 ColorChoice::ColorChoice(const QStringList& palette, QWidget* parent)
     : QWidget(parent) {
+    reportRole(this, QAccessible::Grouping);
+    setAccessibleName(QStringLiteral("色"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     for (const QString& hex : palette) {
         add(hex);

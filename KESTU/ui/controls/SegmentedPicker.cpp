@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/SegmentedPicker.h"
 
+#include "ui/controls/Roles.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
@@ -82,6 +84,7 @@ void Segment::keyPressEvent(QKeyEvent* event) {
 
 SegmentedPicker::SegmentedPicker(const QString& name, const QStringList& texts, QWidget* parent)
     : QWidget(parent) {
+    reportRole(this, QAccessible::Grouping);
     setAccessibleName(name);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     for (const QString& text : texts) {

@@ -2,6 +2,7 @@
 #include "ui/controls/Sheet.h"
 
 #include "ui/controls/Painted.h"
+#include "ui/controls/Roles.h"
 #include "ui/controls/SheetSupport.h"
 #include "ui/controls/Surfaces.h"
 
@@ -31,7 +32,7 @@ Sheet::Sheet(QWidget* host, int width)
     , m_footerBox(new QWidget)
     , m_footerLine(new Divider)
     , m_width(width) {
-    reportSheetsAsDialogs();
+    reportRole(this, QAccessible::Dialog);
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_NoMousePropagation);
     hide();

@@ -2,32 +2,15 @@
 #include "ui/controls/SheetSupport.h"
 
 #include "ui/controls/Painted.h"
-#include "ui/controls/Sheet.h"
 
-#include <QAccessibleWidget>
+#include <QAccessible>
 #include <QPainter>
+#include <QVariant>
 
 namespace kestu {
 namespace {
 
 constexpr const char* coverCount = "kestuCovers";
-
-class SheetInterface final : public QAccessibleWidget {
-public:
-    explicit SheetInterface(QWidget* sheet)
-        : QAccessibleWidget(sheet, QAccessible::Dialog) {}
-
-    [[nodiscard]] QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
-        state.modal = true;
-        return state;
-    }
-};
-
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-    auto* const sheet = qobject_cast<Sheet*>(object);
-    return sheet ? new SheetInterface(sheet) : nullptr;
-}
 
 } // namespace
 
@@ -56,14 +39,6 @@ void uncover(QWidget* widget) {
         widget->setProperty(coveredProperty, false);
         widget->setEnabled(true);
     }
-}
-
-void reportSheetsAsDialogs() {
-    static const bool installed = [] {
-        QAccessible::installFactory(makeInterface);
-        return true;
-    }();
-    Q_UNUSED(installed)
 }
 
 void announceSheet(QWidget* sheet, bool opened) {

@@ -23,8 +23,6 @@ protected:
 bool cover(QWidget* widget);
 void uncover(QWidget* widget);
 
-/// From now on, every sheet has the role of a modal dialog.
-void reportSheetsAsDialogs();
 void announceSheet(QWidget* sheet, bool opened);
 
 } // namespace kestu

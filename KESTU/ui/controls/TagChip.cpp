@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/TagChip.h"
 
+#include "ui/controls/Roles.h"
 #include "ui/theme/Icons.h"
 
-#include <QAccessible>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -55,9 +55,10 @@ TagChip::TagChip(const Look& look, Kind kind, QWidget* parent)
     : PaintedButton(Ring::outside, parent)
     , m_kind(kind) {
     setFont(fontOf(TextStyle::caption));
-    setCheckable(true);
+    setCheckable(kind == Kind::clickable);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     if (kind == Kind::label) {
+        reportRole(this, QAccessible::StaticText);
         setFocusPolicy(Qt::NoFocus);
         setAttribute(Qt::WA_Hover, false);
     }
@@ -106,7 +107,10 @@ bool TagChip::hitButton(const QPoint& point) const {
 
 void TagChip::paintEvent(QPaintEvent*) {
     ControlState now = state();
-    now.hovered = now.hovered && m_kind == Kind::clickable;
+    if (m_kind == Kind::label) {
+        now.hovered = false;
+        now.on = m_look.on;
+    }
     const ChipColors look = chipColors(now, m_look.color, colorsOf(palette()));
     const ChipParts parts = chipParts(size(), noteWidth());
     QPainter painter(this);
