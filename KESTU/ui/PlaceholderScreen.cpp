@@ -13,8 +13,7 @@ PlaceholderScreen::PlaceholderScreen(const SidebarEntry& entry) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 16, 24, 24);
     layout->addWidget(new TextLabel(entry.label.toString(), TextStyle::title2));
-    layout->addWidget(new EmptyState(entry.icon.toString(), QStringLiteral("この画面は準備中です")),
-                      1);
+    layout->addWidget(new EmptyState(entry.icon.toString(), QStringLiteral("この画面は準備中です")), 1);
 }
 
 } // namespace kestu

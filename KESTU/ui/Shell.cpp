@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 #include "ui/MainWindow.h"
 #include "ui/MenuBarView.h"
+#include "ui/theme/Icons.h"
 
 #include <QCoreApplication>
 #include <QCursor>
@@ -45,6 +46,7 @@ Shell::Shell(AppModel& model, std::function<bool()> isTrayThere)
     , m_isTrayThere(std::move(isTrayThere))
     , m_commands(model)
     , m_statusItem(model, m_commands) {
+    QGuiApplication::setWindowIcon(iconOf(u"kestu"));
     connect(&m_commands, &Commands::openRequested, this, &Shell::showWindow);
     connect(&m_commands, &Commands::updateCheckRequested, this, &Shell::checkForUpdates);
     connect(&m_statusItem, &StatusItem::clicked, this, &Shell::togglePanel);

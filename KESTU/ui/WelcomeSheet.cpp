@@ -102,6 +102,7 @@ WelcomeSheet::WelcomeSheet(QWidget* host, AppModel& model)
     setDismissable(false);
     auto* first = new StepBadge(1);
     auto* begin = addButton(QStringLiteral("はじめる"), true);
+    setFirstFocus(begin);
     footer()->setContentsMargins(padding, 20, padding, padding);
 
     QVBoxLayout* layout = content();

@@ -7,54 +7,67 @@
 #include <QApplication>
 #include <QWidget>
 
+#include <functional>
+
 namespace kestu::test {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-QAccessibleInterface* findBelow(QAccessibleInterface* parent, const QString& name, QAccessible::Role role) {
-    const QAccessible::State state = parent->state();
-    if (state.invisible || !parent->isValid()) {
+using Condition = std::function<bool(QAccessibleInterface&)>;
+
+QAccessibleInterface* findBelow(QAccessibleInterface* parent, const Condition& isWanted) {
+    if (!parent || !parent->isValid() || parent->state().invisible) {
         return nullptr;
     }
-    if (parent->text(QAccessible::Name) == name && (role == QAccessible::NoRole || parent->role() == role)) {
+    if (isWanted(*parent)) {
         return parent;
     }
     for (int i = 0; i < parent->childCount(); ++i) {
-        QAccessibleInterface* child = parent->child(i);
-        if (QAccessibleInterface* found = child ? findBelow(child, name, role) : nullptr) {
+        if (QAccessibleInterface* found = findBelow(parent->child(i), isWanted)) {
             return found;
         }
     }
     return nullptr;
+}
+
+QAccessibleInterface* findShown(const Condition& isWanted) {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        QAccessibleInterface* found = window->isVisible()
+                                          ? findBelow(QAccessible::queryAccessibleInterface(window), isWanted)
+                                          : nullptr;
+        if (found) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+bool isNamed(const QAccessibleInterface& control, const QString& name, QAccessible::Role role) {
+    return control.text(QAccessible::Name) == name && (role == QAccessible::NoRole || control.role() == role);
 }
 
 } // namespace
 
 QAccessibleInterface* findControl(const QString& name, QAccessible::Role role) {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible()) {
-            continue;
-        }
-        if (auto* found = findBelow(QAccessible::queryAccessibleInterface(window), name, role)) {
-            return found;
-        }
-    }
-    return nullptr;
+    return findShown([&](const QAccessibleInterface& control) { return isNamed(control, name, role); });
 }
 
 bool click(const QString& name, QAccessible::Role role) {
     QAccessibleInterface* control = nullptr;
-    const bool answers = waitUntil(
+    const auto answers = [&](const QAccessibleInterface& candidate) {
+        return isNamed(candidate, name, role) && !candidate.state().disabled && !candidate.rect().isEmpty();
+    };
+    waitUntil(
         [&] {
-            control = findControl(name, role);
-            return control && !control->state().disabled && !control->rect().isEmpty();
+            control = findShown(answers);
+            return control != nullptr;
         },
-        5000);
-    if (answers) {
+        3000);
+    if (control) {
         clickAt(control->rect().center());
     }
-    return answers;
+    return control != nullptr;
 }
 
 void clickAt(const QPoint& point) {

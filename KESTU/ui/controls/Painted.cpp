@@ -137,12 +137,22 @@ void PaintedButton::showRing(bool shown) {
     Q_EMIT stateChanged();
 }
 
-void PaintedButton::focusInEvent(QFocusEvent* event) {
-    const Qt::FocusReason reason = event->reason();
-    // Coming back from another window or a menu, the ring is as it was.
-    if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
-        m_byKeyboard = reason != Qt::MouseFocusReason;
+bool PaintedButton::byKeyboard(Qt::FocusReason reason) const {
+    switch (reason) {
+    case Qt::MouseFocusReason:
+        return false;
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+        return m_byKeyboard; // coming back, the ring is as it was
+    case Qt::OtherFocusReason:
+        return window()->testAttribute(Qt::WA_KeyboardFocusChange);
+    default:
+        return true;
     }
+}
+
+void PaintedButton::focusInEvent(QFocusEvent* event) {
+    m_byKeyboard = byKeyboard(event->reason());
     QAbstractButton::focusInEvent(event);
     showRing(m_byKeyboard);
 }

@@ -77,6 +77,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    [[nodiscard]] bool byKeyboard(Qt::FocusReason reason) const;
     void showRing(bool shown);
 
     Ring m_ring;
