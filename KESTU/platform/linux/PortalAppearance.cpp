@@ -3,6 +3,8 @@
 
 #include "platform/linux/Bus.h"
 
+#include <QDBusVariant>
+
 namespace kestu {
 namespace {
 
@@ -40,7 +42,7 @@ PortalAppearance::PortalAppearance(const QDBusConnection& sessionBus)
                 }
             });
     m_bus.connect(service, path, settingsInterface, QStringLiteral("SettingChanged"), this,
-                  SLOT(onSettingChanged(QString, QString, QDBusVariant)));
+                  SLOT(onSettingChanged(QDBusMessage)));
     ask();
 }
 
@@ -52,9 +54,12 @@ void PortalAppearance::ask() {
         [this](const QVariantList& reply) { set(reply.isEmpty() ? std::nullopt : schemeIn(reply.first())); });
 }
 
-void PortalAppearance::onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-    if (group == appearanceGroup && key == schemeKey) {
-        set(schemeIn(value.variant()));
+void PortalAppearance::onSettingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments();
+    const bool isScheme = message.signature() == u"ssv" && arguments.at(0).toString() == appearanceGroup &&
+                          arguments.at(1).toString() == schemeKey;
+    if (isScheme) {
+        set(schemeIn(arguments.at(2)));
     }
 }
 

@@ -7,9 +7,8 @@
 #include "platform/Appearance.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
-#include <QString>
 
 namespace kestu {
 
@@ -22,7 +21,9 @@ public:
     [[nodiscard]] std::optional<ColorScheme> colorScheme() const override { return m_scheme; }
 
 private Q_SLOTS:
-    void onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    // The whole message: a slot that takes a QDBusVariant hears nothing when it is connected before anything
+    // else in the process has used that type.
+    void onSettingChanged(const QDBusMessage& message);
 
 private:
     void ask();
