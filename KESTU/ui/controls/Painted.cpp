@@ -3,6 +3,7 @@
 
 #include <QEvent>
 #include <QFocusEvent>
+#include <QFontMetrics>
 #include <QPainter>
 #include <QTextDocument>
 #include <cmath>
@@ -60,6 +61,14 @@ void paintShadow(QPainter& painter, const QRectF& box, qreal radius, const QColo
         const qreal corner = std::max<qreal>(radius + grown, 0);
         painter.drawRoundedRect(cast.adjusted(-grown, -grown, grown, grown), corner, corner);
     }
+}
+
+int widthOf(const QString& text, const QFont& font) {
+    return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(text)));
+}
+
+QString elided(const QString& text, const QFont& font, Qt::TextElideMode mode, int width) {
+    return widthOf(text, font) <= width ? text : QFontMetrics(font).elidedText(text, mode, width);
 }
 
 QString toolTipOf(const QString& plain) {

@@ -33,6 +33,10 @@ void paintRounded(QPainter& painter, const QRectF& box, qreal radius, const QCol
 /// The soft shadow that falls from `box`: moved down by `drop` and spread over `blur`.
 void paintShadow(QPainter& painter, const QRectF& box, qreal radius, const QColor& color, int drop, int blur);
 
+/// The width that `text` needs, and it when it has less: a metric's own rounding would elide what just fits.
+[[nodiscard]] int widthOf(const QString& text, const QFont& font);
+[[nodiscard]] QString elided(const QString& text, const QFont& font, Qt::TextElideMode mode, int width);
+
 /// A tooltip that shows `plain` as it stands, wrapped, even where it looks like markup.
 [[nodiscard]] QString toolTipOf(const QString& plain);
 

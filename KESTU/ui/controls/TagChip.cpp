@@ -74,23 +74,23 @@ void TagChip::setLook(const Look& look) {
 }
 
 int TagChip::noteWidth() const {
-    return m_look.note.isEmpty() ? 0 : fontMetrics().horizontalAdvance(m_look.note);
+    return m_look.note.isEmpty() ? 0 : widthOf(m_look.note, font());
 }
 
 QSize TagChip::sizeHint() const {
     const int note = m_look.note.isEmpty() ? 0 : gap + noteWidth();
-    const int name = fontMetrics().horizontalAdvance(m_look.name);
+    const int name = widthOf(m_look.name, font());
     return {2 * side + metrics::iconChip + gap + name + note, chipHeight};
 }
 
 QSize TagChip::minimumSizeHint() const {
-    const int name = fontMetrics().horizontalAdvance(m_look.name);
+    const int name = widthOf(m_look.name, font());
     return sizeHint() - QSize(std::max(name - narrowestName, 0), 0);
 }
 
 QString TagChip::shownName() const {
     const qreal room = chipParts(size(), noteWidth()).name.width();
-    return fontMetrics().elidedText(m_look.name, Qt::ElideRight, static_cast<int>(room));
+    return elided(m_look.name, font(), Qt::ElideRight, static_cast<int>(room));
 }
 
 bool TagChip::event(QEvent* event) {

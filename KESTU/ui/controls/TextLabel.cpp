@@ -69,13 +69,12 @@ void TextLabel::setMaximumLines(int lines) {
 }
 
 QString TextLabel::shownText(int width) const {
-    const QFontMetrics metrics(font());
     if (m_overflow == Overflow::whole) {
         return inLines(text());
     }
     if (!wraps()) {
         const auto mode = m_overflow == Overflow::elideMiddle ? Qt::ElideMiddle : Qt::ElideRight;
-        return metrics.elidedText(inOneLine(text()), mode, width);
+        return elided(inOneLine(text()), font(), mode, width);
     }
     const QString whole = inLines(text());
     if (m_maximumLines <= 0) {
@@ -87,7 +86,7 @@ QString TextLabel::shownText(int width) const {
         return whole;
     }
     const int lastLine = layout.lineAt(m_maximumLines - 1).textStart();
-    return whole.left(lastLine) + metrics.elidedText(inOneLine(whole.mid(lastLine)), Qt::ElideRight, width);
+    return whole.left(lastLine) + elided(inOneLine(whole.mid(lastLine)), font(), Qt::ElideRight, width);
 }
 
 bool TextLabel::isElided() const {

@@ -103,6 +103,15 @@ TEST_F(ControlsOnScreen, ClickableChipTogglesAndStaticOneDoesNot) {
     EXPECT_EQ(label->focusPolicy(), Qt::NoFocus);
 }
 
+TEST(TagChip, LeavesItsWholeNameRoomAtItsNaturalSize) {
+    for (const QString& name : {u"顧客A"_s, u"会議"_s, u"KESTU"_s, u"集中 fi"_s}) {
+        const TagChip chip({.name = name, .color = Qt::red, .on = true, .note = u"3時間21分"_s},
+                           TagChip::Kind::label);
+        const QRectF room = chipParts(chip.sizeHint(), widthOf(u"3時間21分"_s, chip.font())).name;
+        EXPECT_EQ(elided(name, chip.font(), Qt::ElideRight, static_cast<int>(room.width())), name);
+    }
+}
+
 TEST_F(ControlsOnScreen, ColorChoiceRingsOnlyTheExactText) {
     auto* const choice = add<ColorChoice>(QStringList{u"#4F7CF7"_s, u"#F2994A"_s});
     const auto swatches = choice->findChildren<QAbstractButton*>();
