@@ -70,8 +70,9 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
         shell.refreshColors();
     });
     const TerminationSignals signalsToEnd;
+    // Not quit(), which asks the windows first: without a tray they refuse to close.
     QObject::connect(&signalsToEnd, &TerminationSignals::terminationRequested, &application,
-                     &QCoreApplication::quit);
+                     [] { QCoreApplication::exit(); });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &application, [&] { kestuApp.stop(); });
     QObject::connect(&instance, &SingleInstance::activationRequested, &shell, &Shell::showWindow);
     QTimer::singleShot(0, &application, [&] {

@@ -26,8 +26,7 @@ Commands::Commands(AppModel& model)
     connect(&m_help, &QAction::triggered, this, [this] { showPage(HelpPage::start); });
     connect(&m_support, &QAction::triggered, this, [this] { showPage(HelpPage::support); });
     connect(&m_terms, &QAction::triggered, this, [this] { showPage(HelpPage::terms); });
-    // Later, when the menu is gone: what quits must not end inside the menu's own event loop.
-    connect(&m_quit, &QAction::triggered, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connect(&m_quit, &QAction::triggered, this, &Commands::quit);
     connect(&m_model, &AppModel::isTrackingChanged, this, &Commands::refreshTracking);
     refreshTracking();
 }
@@ -60,6 +59,11 @@ void Commands::offerVersion(const QString& version) {
 void Commands::open() {
     m_model.goToToday();
     Q_EMIT openRequested();
+}
+
+void Commands::quit() {
+    // Not QCoreApplication::quit(), which asks the windows first: without a tray they refuse to close.
+    QCoreApplication::exit();
 }
 
 void Commands::refreshTracking() {

@@ -32,6 +32,7 @@ public:
     void offerVersion(const QString& version);
 
     void open();
+    void quit();
 
 Q_SIGNALS:
     void openRequested();

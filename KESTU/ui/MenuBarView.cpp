@@ -10,7 +10,6 @@
 #include "ui/theme/Theme.h"
 
 #include <QBitmap>
-#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -108,7 +107,7 @@ QLayout* MenuBarView::makeControls(Commands& commands) {
     connect(toggle, &QPushButton::clicked, &m_model, &AppModel::toggleTracking);
     connect(open, &QPushButton::clicked, &commands, &Commands::open);
     connect(open, &QPushButton::clicked, this, &QWidget::close);
-    connect(quit, &QPushButton::clicked, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connect(quit, &QPushButton::clicked, &commands, &Commands::quit);
     return controls;
 }
 

@@ -67,12 +67,16 @@ MenuBarView* Shell::panel() const {
     return m_panel;
 }
 
-void Shell::showWindow() {
+void Shell::makeWindow() {
     if (!m_window) {
         m_window = new MainWindow(m_model, m_commands);
         m_window->setAttribute(Qt::WA_DeleteOnClose);
         m_window->mayClose = [this] { return closeOrMinimise(); };
     }
+}
+
+void Shell::showWindow() {
+    makeWindow();
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();
@@ -128,8 +132,8 @@ void Shell::checkForUpdatesQuietly() {
 
 void Shell::stayReachable() {
     if (!m_window && !m_isTrayThere()) {
-        showWindow();
-        m_window->showMinimized();
+        makeWindow();
+        m_window->showMinimized(); // it was not asked for: whoever works now keeps the front
     }
 }
 

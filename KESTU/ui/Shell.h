@@ -4,7 +4,6 @@
 // rule that something of them can always be reached. Owned by main.
 #pragma once
 
-#include "platform/SoftwareUpdates.h"
 #include "ui/Commands.h"
 #include "ui/StatusItem.h"
 
@@ -20,6 +19,7 @@ namespace kestu {
 class AppModel;
 class MainWindow;
 class MenuBarView;
+struct UpdateAnswer;
 
 class Shell final : public QObject {
 public:
@@ -41,6 +41,7 @@ public:
     [[nodiscard]] StatusItem& statusItem() { return m_statusItem; }
 
 private:
+    void makeWindow();
     [[nodiscard]] bool closeOrMinimise();
     void togglePanel();
     void checkForUpdates();
