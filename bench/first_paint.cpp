@@ -51,6 +51,7 @@ int main(int argc, char* argv[]) {
     const auto began = std::chrono::steady_clock::now();
     const pid_t pid = fork();
     if (pid == 0) {
+        dup2(STDERR_FILENO, STDOUT_FILENO); // whoever reads our figures must not wait for the program
         execv(argv[3], argv + 3);
         std::perror(argv[3]);
         _exit(127);
