@@ -152,8 +152,17 @@ void AppModel::watch() {
         m_lastDataVersion = version;
         m_impactsFrom.reset(); // the other process may have changed any time
         reload();
-    } else if (m_todayAtReload != startOfToday()) {
-        reloadDay(); // midnight has passed, or the clock was set: "today" is another day
+    }
+    followCalendar();
+}
+
+/// Midnight passes, clocks are set and time zones changed while nothing is recorded, too.
+void AppModel::followCalendar() {
+    // The middle of the day is in the same day in any zone nearby.
+    const bool isMoved =
+        assign(m_selectedDay, dayAfter(m_selectedDay + 12h, 0, calendar()), &AppModel::selectedDayChanged);
+    if (isMoved || m_todayAtReload != startOfToday()) {
+        reloadDay();
     }
 }
 

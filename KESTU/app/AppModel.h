@@ -213,6 +213,7 @@ private:
 
     void onTrackerUpdate();
     void watch();
+    void followCalendar();
     void reportMove();
 
     void reload();

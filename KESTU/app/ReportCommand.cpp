@@ -18,19 +18,20 @@ const QString usage =
     QStringLiteral("使い方: kestu report [--period day|week|month] [--date YYYY-MM-DD] "
                    "[--format markdown|csv] [--no-details] [--no-timeline] [--output FILE]\n");
 
-const QString help = QStringLiteral("使い方: kestu [--background]     記録を始めます（--background: ウィンドウを開きません）\n"
-                                    "        kestu report [オプション]  レポートを書き出します\n"
-                                    "        kestu --help | --version\n"
-                                    "\n"
-                                    "report のオプション:\n"
-                                    "  --period day|week|month   期間（初期値: week）\n"
-                                    "  --date YYYY-MM-DD         期間に含まれる日（初期値: 今日）\n"
-                                    "  --format markdown|csv     形式（初期値: markdown）\n"
-                                    "  --no-details              サイトとウィンドウ名を含めません\n"
-                                    "  --no-timeline             時系列を含めません\n"
-                                    "  --output FILE             ファイルに保存します（初期値: 標準出力）\n"
-                                    "\n"
-                                    "環境変数 KESTU_DB_PATH で、読み書きするデータベースを指定できます。\n");
+const QString help =
+    QStringLiteral("使い方: kestu [--background]     記録を始めます（--background: ウィンドウを開きません）\n"
+                   "        kestu report [オプション]  レポートを書き出します\n"
+                   "        kestu --help | --version\n"
+                   "\n"
+                   "report のオプション:\n"
+                   "  --period day|week|month   期間（初期値: week）\n"
+                   "  --date YYYY-MM-DD         期間に含まれる日（初期値: 今日）\n"
+                   "  --format markdown|csv     形式（初期値: markdown）\n"
+                   "  --no-details              サイトとウィンドウ名を含めません\n"
+                   "  --no-timeline             時系列を含めません\n"
+                   "  --output FILE             ファイルに保存します（初期値: 標準出力）\n"
+                   "\n"
+                   "環境変数 KESTU_DB_PATH で、読み書きするデータベースを指定できます。\n");
 
 enum class Format { markdown, csv };
 

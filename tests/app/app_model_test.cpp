@@ -107,6 +107,19 @@ TEST_F(AppModelTest, ShowsTheSelectedDayCutToItWhateverItsLength) {
     EXPECT_TRUE(model->summaryRequest().contains(u" 2026-03-30 "_s));
 }
 
+TEST_F(AppModelTest, FollowsMidnightAndAnotherTimeZoneWhileNothingIsRecorded) {
+    clock.now = utc("2026-03-03T14:59:00"); // a minute before Tokyo's midnight
+    record("2026-03-03T13:00:00", "2026-03-03T14:00:00");
+    open(5ms);
+    EXPECT_EQ(model->todayTotal(), 3600);
+    clock.now += 2min;
+    EXPECT_TRUE(test::waitUntil([this] { return model->todayTotal() == 0; }));
+    EXPECT_EQ(model->selectedDay(), utc("2026-03-02T15:00:00")) << "what the user looks at stays";
+    calendar.zone = QTimeZone("Europe/Berlin");
+    EXPECT_TRUE(test::waitUntil([this] { return model->todayTotal() == 3600; }));
+    EXPECT_EQ(model->selectedDay(), utc("2026-03-02T23:00:00"));
+}
+
 TEST_F(AppModelTest, ReloadsForAnotherWindowAtOnceAndElseEveryTenSeconds) {
     open(1h, u"report"_s).start();
     EXPECT_EQ(model->screen(), SidebarItem::report);

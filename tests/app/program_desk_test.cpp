@@ -23,6 +23,11 @@ using test::waitUntil;
 
 constexpr int patience = 20000; // milliseconds, for a program that starts on a busy machine
 
+bool isWindowShown(const QString& title) {
+    return !test::outputOf(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^%1$"_s.arg(title)})
+                .isEmpty();
+}
+
 class ProgramTest : public testing::Test {
 protected:
     [[nodiscard]] Program::Environment environment(Program::Environment more = {}) const {
@@ -59,14 +64,16 @@ TEST_F(ProgramTest, EndsTheOpenRowOnEverySignalToEnd) {
 }
 
 TEST_F(ProgramTest, IsTheOnlyRecorderOfItsFileAlsoAfterAKill) {
-    Program first(program, {u"--background"_s}, environment());
+    Program first(program, {u"--background"_s}, environment({{u"KESTU_SCREEN"_s, u"settings"_s}}));
     ASSERT_TRUE(records());
+    EXPECT_FALSE(isWindowShown(u"設定 — KESTU"_s));
     const QString link = folder.filePath(u"link"_s);
     ASSERT_TRUE(QFile::link(folder.path(), link));
     Program second(program, {}, {{u"KESTU_DB_PATH"_s, link + u"/kestu.sqlite"_s}});
     EXPECT_EQ(second.waitForEnd(), 0);
     EXPECT_EQ(second.errorOutput(), u"KESTU はすでに起動しています。前面に表示します。\n"_s);
     EXPECT_TRUE(first.isRunning());
+    EXPECT_TRUE(waitUntil([] { return isWindowShown(u"設定 — KESTU"_s); })) << "it came to the front";
 
     Program elsewhere(program, {u"--background"_s}, {{u"KESTU_DB_PATH"_s, folder.filePath(u"b.sqlite"_s)}});
     EXPECT_EQ(elsewhere.waitForEnd(1500), -2) << "another file is another recorder's";
@@ -104,10 +111,8 @@ TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
     EXPECT_FALSE(QDir(folder.filePath(u"missing"_s)).exists());
 
     Program kestu(program, {}, {{u"KESTU_DB_PATH"_s, file.fileName()}});
-    EXPECT_TRUE(waitUntil([] {
-        return !test::outputOf(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^KESTU$"_s})
-                    .isEmpty();
-    })) << "where there is a display a dialog says it";
+    EXPECT_TRUE(waitUntil([] { return isWindowShown(u"KESTU"_s); }))
+        << "where there is a display a dialog says it";
     test::outputOf(u"xdotool"_s, {u"key"_s, u"Return"_s});
     EXPECT_EQ(kestu.waitForEnd(), 1);
 }

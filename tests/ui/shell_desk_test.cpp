@@ -17,6 +17,7 @@
 
 #include <QApplication>
 #include <QScreen>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -168,6 +169,9 @@ TEST_F(ShellTest, MinimisesWhereThereIsNoTray) {
     EXPECT_TRUE(waitUntil([this] { return shell->window()->isMinimized(); }, patience));
     shell->showWindow();
     EXPECT_TRUE(waitUntil([this] { return shell->window()->isActiveWindow(); }, patience));
+
+    QTimer::singleShot(0, [this] { shell->statusItem().menu().actions().last()->trigger(); });
+    EXPECT_EQ(QApplication::exec(), 0) << "a window that does not close does not keep KESTU from quitting";
 
     isTrayThere = true;
     closeWindow();

@@ -19,6 +19,8 @@ enum class ButtonRole {
     destructiveFilled // red under white text: the button that does it
 };
 
+// Said before a button is first shown or measured.
+
 void setRole(QPushButton* button, ButtonRole role);
 
 /// 24 pixels high instead of 28.
