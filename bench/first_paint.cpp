@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// How long a program takes from its start to its first painted window: starts it and looks at one pixel of the
-// display until that changes.
+// How long a program takes from its start to its first painted window: starts it and looks at one pixel of
+// the display until that changes.
 //
 // usage: first_paint X Y PROGRAM [ARGUMENT...]
 //

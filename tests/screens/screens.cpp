@@ -4,6 +4,7 @@
 //
 // usage: kestu_screens FOLDER
 #include "app/AppModel.h"
+#include "screens/gallery.h"
 #include "support/FakePlatform.h"
 #include "support/SampleDay.h"
 #include "support/TemporaryStore.h"
@@ -25,6 +26,15 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr QSize sizes[] = {{900, 560}, {1100, 720}};
+
+void save(QWidget& widget, const QDir& folder, const QString& name) {
+    widget.show();
+    QApplication::processEvents();
+    const QString path = folder.filePath(name + u".png"_s);
+    if (!widget.grab().save(path)) {
+        throw std::runtime_error("cannot write " + path.toStdString());
+    }
+}
 
 class Studio final {
 public:
@@ -83,12 +93,7 @@ private:
     }
 
     void render(std::unique_ptr<QWidget> widget, const QString& name) {
-        widget->show();
-        QApplication::processEvents();
-        const QString path = m_folder.filePath(u"%1-%2.png"_s.arg(name, m_theme));
-        if (!widget->grab().save(path)) {
-            throw std::runtime_error("cannot write " + path.toStdString());
-        }
+        save(*widget, m_folder, u"%1-%2"_s.arg(name, m_theme));
     }
 
     QDir m_folder;
@@ -107,6 +112,7 @@ int renderInto(QApplication& application, const QDir& folder) {
                                                         {u"dark"_s, darkColors()}};
     for (const auto& [name, colors] : themes) {
         applyTheme(application, colors);
+        save(*makeGallery(), folder, u"controls-"_s + name);
         Studio(folder, name).renderAll();
     }
     return EXIT_SUCCESS;
