@@ -59,26 +59,29 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("KESTU"));
     setAccessibleName(QStringLiteral("今日"));
-    setFixedWidth(panelWidth);
-    auto* layout = column(this, gap);
-    layout->setContentsMargins(padding, padding, padding, padding);
+    auto* content = new QWidget;
+    content->setFixedWidth(panelWidth);
+    column(this, 0)->addWidget(content);
+    layout()->setSizeConstraint(QLayout::SetFixedSize); // the panel is as high as what it holds
+    auto* panel = column(content, gap);
+    panel->setContentsMargins(padding, padding, padding, padding);
 
     auto* header = new QHBoxLayout;
     header->addWidget(new TextLabel(QStringLiteral("今日"), TextStyle::headline), 1);
     header->addWidget(m_total);
-    layout->addLayout(header);
+    panel->addLayout(header);
 
     auto* now = column(m_now, 2);
     m_nowApp->setFont(semibold(m_nowApp->font()));
     now->addWidget(new TextLabel(QStringLiteral("いま"), TextStyle::caption, ink::secondary));
     now->addWidget(m_nowApp);
     now->addWidget(m_nowTitle);
-    layout->addWidget(m_now);
+    panel->addWidget(m_now);
 
     column(m_projects, 6);
-    layout->addWidget(m_projects);
-    layout->addWidget(new Divider(Qt::Horizontal));
-    layout->addLayout(makeControls(commands));
+    panel->addWidget(m_projects);
+    panel->addWidget(new Divider(Qt::Horizontal));
+    panel->addLayout(makeControls(commands));
 
     connect(&m_model, &AppModel::todayTotalChanged, this, &MenuBarView::refreshTotal);
     connect(&m_model, &AppModel::currentSampleChanged, this, &MenuBarView::refreshNow);
@@ -121,7 +124,6 @@ void MenuBarView::refreshNow() {
     m_nowApp->setText(sample ? sample->appName : QString());
     m_nowTitle->setText(sample ? sample->title : QString());
     m_nowTitle->setVisible(sample && !sample->title.isEmpty());
-    fit();
 }
 
 void MenuBarView::refreshProjects() {
@@ -141,12 +143,6 @@ void MenuBarView::refreshProjects() {
         const auto& [projectId, seconds] = totals[i];
         rows->addWidget(makeProjectRow(projectId ? m_model.project(*projectId) : nullptr, seconds));
     }
-    fit();
-}
-
-void MenuBarView::fit() {
-    layout()->activate();
-    setFixedHeight(layout()->totalSizeHint().height());
 }
 
 void MenuBarView::changeEvent(QEvent* event) {
@@ -167,6 +163,7 @@ void MenuBarView::keyPressEvent(QKeyEvent* event) {
 void MenuBarView::paintEvent(QPaintEvent*) {
     const Colors& colors = colorsOf(palette());
     QPainter painter(this);
+    painter.fillRect(rect(), colors.sheetBorder); // what the shape leaves of the corners
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(colors.sheetBorder);
     painter.setBrush(colors.sheet);

@@ -27,7 +27,6 @@ private:
     void refreshTotal();
     void refreshNow();
     void refreshProjects();
-    void fit();
 
     AppModel& m_model;
     TextLabel* m_total;

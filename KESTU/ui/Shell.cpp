@@ -103,7 +103,7 @@ void Shell::togglePanel() {
     const QPoint cursor = QCursor::pos();
     const QScreen* screen = QGuiApplication::screenAt(anchor.isEmpty() ? cursor : anchor.center());
     screen = screen ? screen : QGuiApplication::primaryScreen();
-    m_panel->move(panelPosition(m_panel->size(), anchor, cursor, screen->availableGeometry()));
+    m_panel->move(panelPosition(m_panel->sizeHint(), anchor, cursor, screen->availableGeometry()));
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();

@@ -40,10 +40,10 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         paintBackground(*painter, option, row, colors);
         QRect inner = row.adjusted(listMargin, 0, -listMargin, 0);
-        paintIcon(*painter,
-                  QRectF(inner.left(), inner.center().y() - metrics::iconSidebar / 2 + 1.0,
-                         metrics::iconSidebar, metrics::iconSidebar),
-                  index.data(iconRole).toString(), isSelected ? Qt::white : colors.textSecondary);
+        const QRect icon(inner.left(), inner.center().y() - metrics::iconSidebar / 2 + 1,
+                         metrics::iconSidebar, metrics::iconSidebar);
+        paintIcon(*painter, icon, index.data(iconRole).toString(),
+                  isSelected ? Qt::white : colors.textSecondary);
         inner.setLeft(inner.left() + metrics::iconSidebar + 8);
         inner.setRight(inner.right() -
                        paintBadge(*painter, inner, index.data(badgeRole).toInt(), isSelected, colors));

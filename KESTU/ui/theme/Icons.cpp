@@ -8,6 +8,8 @@
 #include <QPixmapCache>
 #include <QSvgRenderer>
 
+#include <algorithm>
+
 void initIconResource() {
     // A resource in a static library is dropped by the linker unless somebody asks for it.
     Q_INIT_RESOURCE(icons);
@@ -34,6 +36,12 @@ QPixmap rendered(QStringView name, const QSize& pixels, const QColor& color) {
     return pixmap;
 }
 
+/// Some trays ask for a picture that is higher than wide.
+QRect squareIn(const QRect& rect) {
+    const int side = std::min(rect.width(), rect.height());
+    return {rect.left() + (rect.width() - side) / 2, rect.top() + (rect.height() - side) / 2, side, side};
+}
+
 class IconEngine final : public QIconEngine {
 public:
     IconEngine(QStringView name, QPalette::ColorRole ink)
@@ -41,11 +49,15 @@ public:
         , m_ink(ink) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        paintIcon(*painter, rect, m_name, color(mode));
+        paintIcon(*painter, squareIn(rect), m_name, color(mode));
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
-        return iconPixmap(m_name, size, color(mode), 1.0); // the size asked for is in device pixels
+        QPixmap pixmap(size); // the size asked for is in device pixels
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        paintIcon(painter, squareIn(QRect(QPoint(), size)), m_name, color(mode));
+        return pixmap;
     }
 
     [[nodiscard]] QIconEngine* clone() const override { return new IconEngine(m_name, m_ink); }

@@ -47,10 +47,9 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
     QRect inner = item.rect.adjusted(8, 0, -10, 0);
     if (item.menuHasCheckableItems) {
         if (item.checked) {
-            paintIcon(painter,
-                      QRectF(inner.left(), inner.center().y() - menuCheckColumn / 2 + 1.0, menuCheckColumn,
-                             menuCheckColumn),
-                      u"checkmark", text);
+            const QRect tick(inner.left(), inner.center().y() - menuCheckColumn / 2 + 1, menuCheckColumn,
+                             menuCheckColumn);
+            paintIcon(painter, tick, u"checkmark", text);
         }
         inner.setLeft(inner.left() + menuCheckColumn + 6);
     }
