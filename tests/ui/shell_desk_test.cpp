@@ -290,6 +290,17 @@ TEST_F(ShellTest, BeginsOnTheNamedScreenAndFollowsTheSidebar) {
     EXPECT_EQ(shell->window()->windowTitle(), u"KESTU"_s);
 }
 
+TEST_F(ShellTest, IsReachableByKeyboardInTheOrderOfTheEye) {
+    platform.fakeAccessibility.granted = false;
+    launch();
+    QStringList reached;
+    for (int i = 0; i < 4; ++i) {
+        reached << QAccessible::queryAccessibleInterface(QApplication::focusWidget())->text(QAccessible::Name);
+        pressKey(u"Tab"_s);
+    }
+    EXPECT_EQ(reached, (QStringList{u"画面"_s, u"メニュー"_s, u"許可する"_s, u"システム設定を開く"_s}));
+}
+
 TEST_F(ShellTest, FollowsAChangeOfTheDesktopsColours) {
     launch();
     const auto corner = [this] { return shell->window()->grab().toImage().pixelColor(2, 200); };

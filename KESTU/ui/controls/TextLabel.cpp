@@ -76,7 +76,7 @@ QString TextLabel::shownText(int width) const {
         const auto mode = m_overflow == Overflow::elideMiddle ? Qt::ElideMiddle : Qt::ElideRight;
         return elided(inOneLine(text()), font(), mode, width);
     }
-    const QString whole = inLines(text());
+    QString whole = inLines(text());
     if (m_maximumLines <= 0) {
         return whole;
     }
