@@ -23,7 +23,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-QPushButton* button(const QString& text, ButtonRole role = ButtonRole::normal) {
+QPushButton* button(const QString& text, ButtonRole role = ButtonRole::standard) {
     auto* made = new QPushButton(text);
     setRole(made, role);
     return made;

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-//
-// The colours, and that what is drawn follows them.
 #include "ui/theme/Icons.h"
 #include "ui/theme/KestuStyle.h"
-
-#include <QApplication>
-#include <QPainter>
-#include <QPushButton>
+#include "ui/theme/Theme.h"
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QImage>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+
+#include <array>
 #include <cmath>
 
 namespace kestu {
@@ -17,87 +19,130 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-TEST(ColorFromText, ReadsTheLeadingHexadecimalDigits) {
-    const std::pair<QString, QRgb> rows[] = {
-        {u"#4F7CF7"_s, 0xFF4F7CF7},  {u"4f7cf7"_s, 0xFF4F7CF7}, {u"##4F7CF7"_s, 0xFF4F7CF7},
-        {u"#4F7CF7#"_s, 0xFF4F7CF7}, {u"#7CF7"_s, 0xFF007CF7},  {u"#AB4F7CF7"_s, 0xFF4F7CF7},
-        {u"12x456"_s, 0xFF000012},   {u"x"_s, 0xFF000000},      {QString(), 0xFF000000},
+TEST(Theme, ReadsColorTexts) {
+    struct Case {
+        QString text;
+        QRgb color;
     };
-    for (const auto& [text, expected] : rows) {
-        EXPECT_EQ(colorFromText(text).rgba(), expected) << text.toStdString();
+    const std::array<Case, 8> cases{{
+        {u"#4F7CF7"_s, 0xFF4F7CF7},
+        {u"4F7CF7"_s, 0xFF4F7CF7},
+        {u"##4f7cf7"_s, 0xFF4F7CF7},
+        {u"4F7CF7#"_s, 0xFF4F7CF7},
+        {u"#FF"_s, 0xFF0000FF},
+        {u"#12g456"_s, 0xFF000012},
+        {u"青"_s, 0xFF000000},
+        {QString(), 0xFF000000},
+    }};
+    for (const Case& one : cases) {
+        EXPECT_EQ(colorFromText(one.text).rgba(), one.color) << qPrintable(one.text);
     }
 }
 
 double luminance(const QColor& color) {
-    const auto linear = [](float part) {
-        return part <= 0.03928F ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
     };
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-/// `top` as it shows over `ground`.
 QColor over(const QColor& top, const QColor& ground) {
-    const auto mixed = [&](float a, float b) { return a * top.alphaF() + b * (1 - top.alphaF()); };
+    const auto mixed = [&](float upper, float lower) {
+        return upper * top.alphaF() + lower * (1 - top.alphaF());
+    };
     return QColor::fromRgbF(mixed(top.redF(), ground.redF()), mixed(top.greenF(), ground.greenF()),
                             mixed(top.blueF(), ground.blueF()));
 }
 
 double contrast(const QColor& text, const QColor& ground) {
-    const double one = luminance(text) + 0.05;
-    const double other = luminance(ground) + 0.05;
-    return std::max(one, other) / std::min(one, other);
+    const double a = luminance(text);
+    const double b = luminance(ground);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
 }
 
-TEST(Colors, KeepEveryTextReadable) {
-    for (const Colors* colors : {&lightColors(), &darkColors()}) {
-        for (const QColor& ground : {colors->window, colors->sidebar, colors->card, colors->sheet,
-                                     colors->sheetCard, colors->menu}) {
-            for (const QColor& text : {colors->textPrimary, colors->textSecondary, colors->textTertiary,
-                                       colors->accentText, colors->orangeText, colors->redText}) {
-                EXPECT_GE(contrast(text, ground), 4.5)
-                    << text.name().toStdString() << " on " << ground.name().toStdString();
+TEST(Theme, EveryTextCanBeRead) {
+    for (const Colors& colors : {lightColors(), darkColors()}) {
+        const auto holds = [&](const QColor& text, const QColor& ground) {
+            EXPECT_GE(contrast(text, ground), 4.5) << qPrintable(text.name() + u" on "_s + ground.name());
+        };
+        for (const QColor& ground :
+             {colors.window, colors.sidebar, colors.card, colors.sheet, colors.sheetCard, colors.menu}) {
+            for (const QColor& text : {colors.textPrimary, colors.textSecondary, colors.textTertiary,
+                                       colors.accentText, colors.orangeText, colors.redText}) {
+                holds(text, ground);
             }
         }
-        for (const QColor& fill : {colors->accentFill, colors->accentFillHover, colors->accentFillPressed,
-                                   colors->redFill, colors->orangeFill}) {
-            EXPECT_GE(contrast(Qt::white, fill), 4.5) << fill.name().toStdString();
+        for (const QColor& fill : {colors.accentFill, colors.accentFillHover, colors.accentFillPressed,
+                                   colors.orangeFill, colors.redFill}) {
+            holds(Qt::white, fill);
         }
-        EXPECT_GE(contrast(colors->textSecondary, over(colors->bannerFill, colors->window)), 4.5);
-        EXPECT_GE(contrast(colors->textPrimary, colors->control), 4.5);
-        EXPECT_GE(contrast(colors->redText, colors->control), 4.5);
-        EXPECT_GE(contrast(colors->tooltipText, colors->tooltip), 4.5);
+        holds(colors.tooltipText, colors.tooltip);
+        holds(colors.textTertiary, colors.field);
+        holds(colors.textPrimary, over(colors.textSelection, colors.field));
+        holds(colors.textSecondary, over(colors.pill, colors.card));
+        holds(colors.orangeText, over(colors.newFill, colors.card));
+        holds(colors.redText, over(colors.redSoft, colors.window));
     }
 }
 
-TEST(Icons, FollowThePaletteAlsoAfterTheyWereMade) {
-    const QIcon icon = iconOf(u"minus");
-    for (const Colors* colors : {&lightColors(), &darkColors()}) {
-        applyTheme(*qApp, *colors);
-        const auto middle = [&](QIcon::Mode mode) {
-            return icon.pixmap(QSize(48, 48), 1.0, mode).toImage().pixelColor(24, 24).rgb();
-        };
-        EXPECT_EQ(middle(QIcon::Normal), colors->textPrimary.rgb());
-        EXPECT_EQ(middle(QIcon::Disabled), colors->textDisabled.rgb());
+/// The colour of an icon's strongest pixel.
+QRgb inkIn(const QPixmap& pixmap) {
+    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+    QRgb strongest = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            strongest = qAlpha(image.pixel(x, y)) > qAlpha(strongest) ? image.pixel(x, y) : strongest;
+        }
     }
+    return strongest;
+}
+
+TEST(Icons, FollowThePaletteAndTheMode) {
+    const QIcon icon = iconOf(u"tag.fill", ink::accent);
+    for (const Colors& colors : {lightColors(), darkColors()}) {
+        applyTheme(*qApp, colors);
+        const QPixmap pixmap = icon.pixmap(QSize(16, 16), 1.5);
+        EXPECT_EQ(pixmap.size(), QSize(24, 24));
+        EXPECT_EQ(inkIn(pixmap), colors.accentText.rgba());
+        EXPECT_EQ(inkIn(icon.pixmap(QSize(16, 16), 1, QIcon::Disabled)), colors.textDisabled.rgba());
+        EXPECT_EQ(inkIn(icon.pixmap(QSize(16, 16), 1, QIcon::Selected)), 0xFFFFFFFF);
+    }
+    QColor faint(Qt::red);
+    faint.setAlpha(100);
+    EXPECT_EQ(qAlpha(inkIn(iconPixmap(u"tag.fill", {16, 16}, faint, 1))), 100);
+    EXPECT_TRUE(iconPixmap(u"no.such.icon", {16, 16}, Qt::red, 1).isNull());
+}
+
+TEST(Style, GivesButtonsTheirSizes) {
     applyTheme(*qApp, lightColors());
-    EXPECT_EQ(icon.pixmap(QSize(16, 16), 2.0).size(), QSize(32, 32)) << "sharp at every scale";
+    QPushButton normal(u"登録"_s);
+    QPushButton small(u"登録"_s);
+    setSmall(&small);
+    QPushButton led(iconOf(u"plus"), u"登録"_s);
+    QPushButton bare(iconOf(u"chevron.left"), QString());
+    QPushButton text(u"削除"_s);
+    setBorderless(&text);
+    QToolButton tool;
+    tool.setIcon(iconOf(u"xmark"));
+    EXPECT_EQ(normal.sizeHint(), QSize(normal.fontMetrics().horizontalAdvance(normal.text()) + 26, 28));
+    EXPECT_EQ(small.sizeHint(), QSize(small.fontMetrics().horizontalAdvance(small.text()) + 22, 24));
+    EXPECT_EQ(led.sizeHint(), normal.sizeHint() + QSize(16 + 5 - 3, 0));
+    EXPECT_EQ(bare.sizeHint(), QSize(28, 28));
+    EXPECT_EQ(text.sizeHint(), QSize(text.fontMetrics().horizontalAdvance(text.text()) + 12, 24));
+    EXPECT_EQ(tool.sizeHint(), QSize(24, 24));
 }
 
-TEST(PushButtons, HaveTheirHeightsAndTheirFill) {
-    QPushButton button(u"保存"_s);
-    EXPECT_EQ(button.sizeHint().height(), metrics::controlHeight);
-    QPushButton smallButton(u"編集"_s);
-    setSmall(&smallButton);
-    EXPECT_EQ(smallButton.sizeHint().height(), metrics::smallControlHeight);
-    const auto fill = [&] { return button.grab().toImage().pixelColor(5, button.height() / 2); };
-    button.resize(button.sizeHint());
-    EXPECT_EQ(fill(), lightColors().control);
-    button.setDefault(true);
-    EXPECT_EQ(fill(), lightColors().accentFill);
-    setRole(&button, ButtonRole::destructiveFilled);
-    EXPECT_EQ(fill(), lightColors().redFill);
-    button.setEnabled(false);
-    EXPECT_EQ(fill(), lightColors().controlPressed);
+TEST(Style, WhatASheetCoversLooksEnabled) {
+    applyTheme(*qApp, darkColors());
+    for (const bool covered : {true, false}) {
+        QWidget window;
+        QLineEdit field(&window);
+        field.ensurePolished();
+        window.setProperty(coveredProperty, covered);
+        window.setEnabled(false);
+        const QColor text = field.palette().color(QPalette::Disabled, QPalette::Text);
+        EXPECT_EQ(text, covered ? darkColors().textPrimary : darkColors().textDisabled);
+    }
 }
 
 } // namespace

@@ -34,7 +34,7 @@ Alert* Alert::ask(QWidget* host, const QString& title, const QString& text,
 Alert* Alert::tell(QWidget* host, const QString& title, const QString& text) {
     return ask(
         host, title, text,
-        {{.text = QStringLiteral("OK"), .part = AlertButton::Part::standard, .role = ButtonRole::normal}});
+        {{.text = QStringLiteral("OK"), .part = AlertButton::Part::standard, .role = ButtonRole::standard}});
 }
 
 Alert::Alert(QWidget* host, const QString& title, const QString& text,
@@ -54,7 +54,7 @@ Alert::Alert(QWidget* host, const QString& title, const QString& text,
     }
     const int onEscape = cancelIndex(buttons);
     const bool destructive = std::any_of(buttons.begin(), buttons.end(), [](const AlertButton& button) {
-        return button.role != ButtonRole::normal;
+        return button.role != ButtonRole::standard;
     });
     if (destructive && onEscape >= 0) {
         setFirstFocus(m_shown[static_cast<std::size_t>(onEscape)]);

@@ -14,7 +14,7 @@ struct AlertButton {
 
     QString text;
     Part part = Part::other; // Return presses the standard one, Escape that which cancels
-    ButtonRole role = ButtonRole::normal;
+    ButtonRole role = ButtonRole::standard;
 };
 
 class Alert final : public Sheet {

@@ -1,69 +1,94 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/theme/Icons.h"
 
+#include "ui/theme/Strokes.h"
+#include "ui/theme/Theme.h"
+
 #include <QFile>
 #include <QGuiApplication>
 #include <QIconEngine>
+#include <QImage>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
 
-#include <algorithm>
-
-void initIconResource() {
-    // A resource in a static library is dropped by the linker unless somebody asks for it.
-    Q_INIT_RESOURCE(icons);
-}
-
 namespace kestu {
 namespace {
 
-QByteArray sourceOf(QStringView name, const QColor& color) {
-    initIconResource();
+QByteArray drawingOf(QStringView name, const QColor& color) {
     QFile file(QStringLiteral(":/kestu/icons/%1.svg").arg(name));
     if (!file.open(QIODevice::ReadOnly)) {
-        qFatal("no icon %s", qPrintable(name.toString()));
+        return {};
     }
     return file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
 }
 
-QPixmap rendered(QStringView name, const QSize& pixels, const QColor& color) {
-    QPixmap pixmap(pixels);
-    pixmap.fill(Qt::transparent);
+/// Strokes of an icon overlap, so its opacity is laid over the finished drawing.
+void fade(QPixmap& pixmap, float opacity) {
     QPainter painter(&pixmap);
-    painter.setOpacity(color.isValid() ? color.alphaF() : 1.0);
-    QSvgRenderer(sourceOf(name, color)).render(&painter);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.fillRect(pixmap.rect(), QColor::fromRgbF(0, 0, 0, opacity));
+}
+
+/// `size` is in pixels of the device.
+QPixmap rendered(QStringView name, QSize size, const QColor& color) {
+    const QByteArray drawing = drawingOf(name, color);
+    if (drawing.isEmpty() || size.isEmpty()) {
+        return {};
+    }
+    QSvgRenderer renderer(drawing);
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+    // Strokes thinner than a pixel are painted as crude hairlines, so they are drawn large and averaged.
+    constexpr int oversampling = 4;
+    QImage image(size * oversampling, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.render(&painter, image.rect());
+    painter.end();
+    QPixmap pixmap = QPixmap::fromImage(image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    if (color.alpha() < 255) {
+        fade(pixmap, color.alphaF());
+    }
     return pixmap;
 }
 
-/// Some trays ask for a picture that is higher than wide.
-QRect squareIn(const QRect& rect) {
-    const int side = std::min(rect.width(), rect.height());
-    return {rect.left() + (rect.width() - side) / 2, rect.top() + (rect.height() - side) / 2, side, side};
+QPixmap cached(QStringView name, QSize size, const QColor& color) {
+    const QString key = QStringLiteral("kestu/%1/%2x%3/%4")
+                            .arg(name)
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(color.rgba(), 8, 16);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        pixmap = rendered(name, size, color);
+        QPixmapCache::insert(key, pixmap);
+    }
+    return pixmap;
 }
 
-class IconEngine final : public QIconEngine {
+class InkEngine final : public QIconEngine {
 public:
-    IconEngine(QStringView name, QPalette::ColorRole ink)
-        : m_name(name.toString())
-        , m_ink(ink) {}
+    InkEngine(QString name, QPalette::ColorRole role)
+        : name_(std::move(name))
+        , role_(role) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        paintIcon(*painter, squareIn(rect), m_name, color(mode));
+        paintIcon(*painter, rect, name_, colorOf(mode));
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
-        QPixmap pixmap(size); // the size asked for is in device pixels
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paintIcon(painter, squareIn(QRect(QPoint(), size)), m_name, color(mode));
-        return pixmap;
+        return cached(name_, size, colorOf(mode));
     }
 
-    [[nodiscard]] QIconEngine* clone() const override { return new IconEngine(m_name, m_ink); }
+    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal) override {
+        return cached(name_, size, colorOf(mode)); // the size is that of the device already
+    }
+
+    [[nodiscard]] QIconEngine* clone() const override { return new InkEngine(name_, role_); }
+    [[nodiscard]] QString key() const override { return QStringLiteral("kestu"); }
 
 private:
-    [[nodiscard]] QColor color(QIcon::Mode mode) const {
+    [[nodiscard]] QColor colorOf(QIcon::Mode mode) const {
         const QPalette palette = QGuiApplication::palette();
         switch (mode) {
         case QIcon::Disabled:
@@ -74,38 +99,31 @@ private:
         case QIcon::Active:
             break;
         }
-        return palette.color(m_ink);
+        return palette.color(QPalette::Active, role_);
     }
 
-    QString m_name;
-    QPalette::ColorRole m_ink;
+    QString name_;
+    QPalette::ColorRole role_;
 };
 
 } // namespace
 
-QIcon iconOf(QStringView name, QPalette::ColorRole ink) {
-    return QIcon(new IconEngine(name, ink));
-}
-
-QPixmap iconPixmap(QStringView name, const QSize& size, const QColor& color, double devicePixelRatio) {
-    const QSize pixels = (QSizeF(size) * devicePixelRatio).toSize();
-    const QString key = QStringLiteral("kestu/%1/%2x%3/%4")
-                            .arg(name)
-                            .arg(pixels.width())
-                            .arg(pixels.height())
-                            .arg(color.rgba(), 0, 16);
-    QPixmap pixmap;
-    if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = rendered(name, pixels, color);
-        QPixmapCache::insert(key, pixmap);
-    }
-    pixmap.setDevicePixelRatio(devicePixelRatio);
-    return pixmap;
+QIcon iconOf(QStringView name, QPalette::ColorRole role) {
+    return QIcon(new InkEngine(name.toString(), role)); // the icon owns its engine
 }
 
 void paintIcon(QPainter& painter, const QRectF& rect, QStringView name, const QColor& color) {
-    painter.drawPixmap(rect.topLeft(),
-                       iconPixmap(name, rect.size().toSize(), color, painter.device()->devicePixelRatioF()));
+    const qreal ratio = painter.device()->devicePixelRatio();
+    const QSize size = (rect.size() * ratio).toSize();
+    QPixmap pixmap = cached(name, size, color);
+    pixmap.setDevicePixelRatio(ratio);
+    painter.drawPixmap(snapped(painter, rect).topLeft(), pixmap);
+}
+
+QPixmap iconPixmap(QStringView name, QSize size, const QColor& color, qreal devicePixelRatio) {
+    QPixmap pixmap = cached(name, (QSizeF(size) * devicePixelRatio).toSize(), color);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    return pixmap;
 }
 
 } // namespace kestu

@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Our own icons by name, in any colour and size, sharp at every scale.
+// The drawn icons by their names. They hold no colour of their own: an icon takes the one of its role in the
+// application's palette whenever it is painted, so that it follows a live switch. "kestu", the application's
+// own icon, keeps its colours.
 #pragma once
 
-#include "ui/theme/Theme.h"
-
+#include <QColor>
 #include <QIcon>
+#include <QPalette>
 #include <QPixmap>
-#include <QStringView>
+#include <QString>
 
 class QPainter;
-class QRectF;
 
 namespace kestu {
 
-/// Follows the application's palette, also while it is shown: `ink` names the role that colours it.
-[[nodiscard]] QIcon iconOf(QStringView name, QPalette::ColorRole ink = ink::primary);
+/// Disabled it is drawn in the disabled text colour, selected (on a filled control) in white.
+[[nodiscard]] QIcon iconOf(QStringView name, QPalette::ColorRole role = QPalette::WindowText);
 
-/// One image of it; `size` in logical pixels. The application's own icon, "kestu", keeps its colours.
-[[nodiscard]] QPixmap iconPixmap(QStringView name, const QSize& size, const QColor& color,
-                                 double devicePixelRatio);
-
-/// Paints it into `rect`, at the scale of the painter's device.
+/// Sharp at the painter's device pixel ratio: it lands on whole pixels of the device.
 void paintIcon(QPainter& painter, const QRectF& rect, QStringView name, const QColor& color);
+
+/// `size` is in device-independent pixels. Null when there is no icon of that name.
+[[nodiscard]] QPixmap iconPixmap(QStringView name, QSize size, const QColor& color, qreal devicePixelRatio);
 
 } // namespace kestu

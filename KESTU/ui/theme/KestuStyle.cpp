@@ -1,102 +1,47 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/theme/KestuStyle.h"
 
-#include "ui/theme/ButtonPainting.h"
-#include "ui/theme/Icons.h"
+#include "ui/theme/ButtonLook.h"
+#include "ui/theme/FieldLook.h"
+#include "ui/theme/MenuLook.h"
+#include "ui/theme/Strokes.h"
 
-#include <QApplication>
-#include <QMenu>
-#include <QPainter>
-#include <QPushButton>
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QStyleFactory>
-#include <QStyleOptionButton>
-#include <QStyleOptionMenuItem>
-#include <QStyleOptionSlider>
-#include <QToolTip>
+#include <QStyleOption>
+
+#include <algorithm>
 
 namespace kestu {
 namespace {
 
-constexpr int menuPadding = 4;
-constexpr int menuRowHeight = 28;
-constexpr int menuSeparatorHeight = 9;
-constexpr int menuCheckColumn = 14;
-constexpr int scrollThumb = 6;
-constexpr int scrollInset = 3;
-constexpr int shortestThumb = 28;
+constexpr int editorFrame = 2; // as wide as the focus ring
+constexpr int editorPadding = 12;
 
-void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
-    const Colors& colors = colorsOf(item.palette);
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (item.menuItemType == QStyleOptionMenuItem::Separator) {
-        painter.fillRect(item.rect.left() + 6, item.rect.center().y(), item.rect.width() - 12, 1,
-                         colors.divider);
-        painter.restore();
-        return;
-    }
-    const bool isEnabled = item.state & QStyle::State_Enabled;
-    const bool isSelected = isEnabled && item.state & QStyle::State_Selected;
-    if (isSelected) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(colors.accentFill);
-        painter.drawRoundedRect(item.rect, 5, 5);
-    }
-    const QColor text =
-        isSelected ? QColor(Qt::white) : (isEnabled ? colors.textPrimary : colors.textDisabled);
-    QRect inner = item.rect.adjusted(8, 0, -10, 0);
-    if (item.menuHasCheckableItems) {
-        if (item.checked) {
-            const QRect tick(inner.left(), inner.center().y() - menuCheckColumn / 2 + 1, menuCheckColumn,
-                             menuCheckColumn);
-            paintIcon(painter, tick, u"checkmark", text);
-        }
-        inner.setLeft(inner.left() + menuCheckColumn + 6);
-    }
-    painter.setFont(fontOf(TextStyle::callout));
-    painter.setPen(text);
-    const QStringList parts = item.text.split(u'\t'); // the text and its shortcut
-    painter.drawText(inner, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic, parts.value(0));
-    painter.setPen(isSelected ? QColor(Qt::white) : colors.textTertiary);
-    painter.drawText(inner, Qt::AlignRight | Qt::AlignVCenter, parts.value(1));
-    painter.restore();
+/// Its class is private to Qt, so it is known by its name alone.
+bool isPickerMenu(const QWidget* widget) {
+    return widget && widget->inherits("QComboBoxPrivateContainer");
 }
 
-QSize menuItemSize(const QStyleOptionMenuItem& item) {
-    if (item.menuItemType == QStyleOptionMenuItem::Separator) {
-        return {1, menuSeparatorHeight};
+bool isEditor(const QWidget* widget) {
+    return qobject_cast<const QPlainTextEdit*>(widget) != nullptr;
+}
+
+void drawFrame(QPainter& painter, const QStyleOption& option, const QWidget* widget) {
+    if (isPickerMenu(widget)) {
+        drawMenuPanel(painter, option);
+    } else if (isEditor(widget)) {
+        drawField(painter, option, widget);
+    } else {
+        drawRing(painter, option.rect, 0, colorsOf(option.palette).divider, 1);
     }
-    const QFontMetrics fontMetrics(fontOf(TextStyle::callout));
-    QString text = item.text;
-    int width = 8 + 10 + (item.menuHasCheckableItems ? menuCheckColumn + 6 : 0);
-    width += fontMetrics.size(Qt::TextShowMnemonic, text.section(u'\t', 0, 0)).width();
-    const QString shortcut = text.section(u'\t', 1);
-    width += shortcut.isEmpty() ? 0 : fontMetrics.horizontalAdvance(shortcut) + 24;
-    return {width, menuRowHeight};
-}
-
-/// The thumb of a scroll bar alone: no track, no arrows.
-void paintScrollBar(QPainter& painter, const QStyleOptionSlider& bar, const QRect& slider) {
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colorsOf(bar.palette).chipEdge);
-    const QRectF thumb =
-        bar.orientation == Qt::Vertical
-            ? QRectF(slider.right() + 1 - scrollInset - scrollThumb, slider.top() + scrollInset, scrollThumb,
-                     slider.height() - 2 * scrollInset)
-            : QRectF(slider.left() + scrollInset, slider.bottom() + 1 - scrollInset - scrollThumb,
-                     slider.width() - 2 * scrollInset, scrollThumb);
-    painter.drawRoundedRect(thumb, scrollThumb / 2.0, scrollThumb / 2.0);
-    painter.restore();
-}
-
-void paintFloating(QPainter& painter, const QRect& rect, const QColor& fill, const QColor& edge) {
-    painter.save();
-    painter.setPen(edge);
-    painter.setBrush(fill);
-    painter.drawRect(rect.adjusted(0, 0, -1, -1));
-    painter.restore();
 }
 
 } // namespace
@@ -104,40 +49,50 @@ void paintFloating(QPainter& painter, const QRect& rect, const QColor& fill, con
 KestuStyle::KestuStyle()
     : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
-void KestuStyle::polish(QWidget* widget) {
-    QProxyStyle::polish(widget);
-    if (qobject_cast<QPushButton*>(widget)) {
-        widget->setAttribute(Qt::WA_Hover);
-    }
-}
-
 void KestuStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                              const QWidget* widget) const {
-    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    if (element == CE_PushButton && drawButton(*painter, *option, widget)) {
+        return;
+    }
+    const auto* picker = qstyleoption_cast<const QStyleOptionComboBox*>(option);
     const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
-    if (element == CE_PushButton && button) {
-        paintButton(*painter, *button, widget);
+    if (element == CE_ComboBoxLabel && picker && !picker->editable) {
+        drawPickerLabel(*painter, *picker, widget);
     } else if (element == CE_MenuItem && item) {
-        paintMenuItem(*painter, *item);
-    } else {
+        drawMenuItem(*painter, *item, widget);
+    } else if (element == CE_MenuScroller) {
+        drawMenuScroller(*painter, *option);
+    } else if (element != CE_MenuEmptyArea) { // which the panel has drawn
         QProxyStyle::drawControl(element, option, painter, widget);
     }
 }
 
 void KestuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
-    const Colors& colors = colorsOf(option->palette);
     switch (element) {
+    case PE_PanelLineEdit: {
+        const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+        if (!frame || frame->lineWidth > 0) {
+            drawField(*painter, *option, widget);
+        }
+        return;
+    }
+    case PE_Frame:
+        drawFrame(*painter, *option, widget);
+        return;
     case PE_PanelMenu:
-    case PE_FrameMenu:
-        paintFloating(*painter, option->rect, element == PE_PanelMenu ? colors.menu : QColor(Qt::transparent),
-                      colors.sheetBorder);
+        drawMenuPanel(*painter, *option);
+        return;
+    case PE_FrameMenu: // drawn with the panel
         return;
     case PE_PanelTipLabel:
-        paintFloating(*painter, option->rect, colors.tooltip, colors.tooltip);
+        drawToolTip(*painter, *option);
         return;
     case PE_FrameFocusRect:
-        return; // each control draws its own
+        if (option->state & State_KeyboardFocusChange) {
+            drawRing(*painter, option->rect, metrics::radiusControl, colorsOf(option->palette).focus, 2);
+        }
+        return;
     default:
         QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
@@ -145,106 +100,169 @@ void KestuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
 
 void KestuStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                     QPainter* painter, const QWidget* widget) const {
-    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
-    if (control == CC_ScrollBar && bar) {
-        if (bar->maximum > bar->minimum) {
-            paintScrollBar(*painter, *bar, subControlRect(control, option, SC_ScrollBarSlider, widget));
-        }
+    const auto* picker = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option);
+    const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ToolButton && drawButton(*painter, *option, widget)) {
         return;
     }
-    QProxyStyle::drawComplexControl(control, option, painter, widget);
-}
-
-int KestuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
-    switch (metric) {
-    case PM_MenuPanelWidth:
-        return 0;
-    case PM_MenuHMargin:
-    case PM_MenuVMargin:
-        return menuPadding;
-    case PM_ScrollBarExtent:
-        return scrollThumb + 2 * scrollInset;
-    case PM_ScrollBarSliderMin:
-        return shortestThumb;
-    case PM_ButtonIconSize:
-        return metrics::icon;
-    case PM_ButtonShiftHorizontal:
-    case PM_ButtonShiftVertical:
-        return 0;
-    case PM_ToolTipLabelFrameWidth:
-        return 6;
-    default:
-        return QProxyStyle::pixelMetric(metric, option, widget);
-    }
-}
-
-QSize KestuStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
-                                   const QWidget* widget) const {
-    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
-        type == CT_PushButton && button) {
-        return buttonSize(*button, widget);
-    }
-    if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
-        type == CT_MenuItem && item) {
-        return menuItemSize(*item);
-    }
-    return QProxyStyle::sizeFromContents(type, option, size, widget);
-}
-
-int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                          QStyleHintReturn* data) const {
-    switch (hint) {
-    case SH_ToolTip_WakeUpDelay:
-        return 500;
-    case SH_ScrollBar_LeftClickAbsolutePosition:
-        return 1;
-    default:
-        return QProxyStyle::styleHint(hint, option, widget, data);
+    if (control == CC_ComboBox && picker) {
+        drawPicker(*painter, *picker, widget);
+    } else if (control == CC_SpinBox && spin) {
+        drawSpinBox(*painter, *spin, widget);
+    } else if (control == CC_ScrollBar && slider) {
+        drawScrollBar(*painter, *slider);
+    } else {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
     }
 }
 
 QRect KestuStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                  const QWidget* widget) const {
-    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
-    if (control != CC_ScrollBar || !bar) {
-        return QProxyStyle::subControlRect(control, option, part, widget);
+    if (const auto* picker = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+        control == CC_ComboBox && picker) {
+        return visualRect(option->direction, option->rect, pickerPart(*picker, part, widget));
     }
-    const bool isVertical = bar->orientation == Qt::Vertical;
-    const int length = isVertical ? bar->rect.height() : bar->rect.width();
-    const auto range = static_cast<double>(bar->maximum) - bar->minimum;
-    const int thumb = range > 0
-                          ? std::clamp(static_cast<int>(length * bar->pageStep / (range + bar->pageStep)),
-                                       std::min(shortestThumb, length), length)
-                          : length;
-    const int at = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb,
-                                           bar->upsideDown);
-    const auto along = [&](int from, int size) {
-        return isVertical ? QRect(0, from, bar->rect.width(), size)
-                          : QRect(from, 0, size, bar->rect.height());
-    };
-    switch (part) {
-    case SC_ScrollBarSlider:
-        return along(at, thumb);
-    case SC_ScrollBarGroove:
-        return along(0, length);
-    case SC_ScrollBarSubPage:
-        return along(0, at);
-    case SC_ScrollBarAddPage:
-        return along(at + thumb, length - at - thumb);
+    if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option);
+        control == CC_SpinBox && spin) {
+        return spinBoxPart(*spin, part, widget);
+    }
+    if (const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        control == CC_ScrollBar && slider) {
+        return scrollBarPart(*slider, part);
+    }
+    return QProxyStyle::subControlRect(control, option, part, widget);
+}
+
+QRect KestuStyle::subElementRect(SubElement element, const QStyleOption* option,
+                                 const QWidget* widget) const {
+    return element == SE_LineEditContents ? fieldContents(*option, widget)
+                                          : QProxyStyle::subElementRect(element, option, widget);
+}
+
+QSize KestuStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                                   const QWidget* widget) const {
+    const auto* picker = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (type == CT_PushButton || type == CT_ToolButton) {
+        return buttonSize(*option, widget);
+    }
+    if (type == CT_ComboBox && picker) {
+        return pickerSize(*picker, contents);
+    }
+    if (type == CT_MenuItem && item) {
+        return menuItemSize(*item, contents, widget);
+    }
+    if (type == CT_SpinBox) {
+        return spinBoxSize(contents, widget);
+    }
+    if (type == CT_LineEdit) {
+        return {contents.width(), std::max<int>(metrics::controlHeight, contents.height())};
+    }
+    return QProxyStyle::sizeFromContents(type, option, contents, widget);
+}
+
+int KestuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    switch (metric) {
+    case PM_ButtonIconSize:
+    case PM_SmallIconSize:
+        return metrics::icon;
+    case PM_ButtonShiftHorizontal:
+    case PM_ButtonShiftVertical:
+    case PM_ScrollView_ScrollBarSpacing:
+        return 0;
+    case PM_DefaultFrameWidth:
+        return isPickerMenu(widget) ? menuMargin : (isEditor(widget) ? editorFrame : 1);
+    case PM_MenuPanelWidth:
+        return 1;
+    case PM_MenuHMargin:
+    case PM_MenuVMargin: // a picker's list has its margin in the frame
+        return qobject_cast<const QComboBox*>(widget) ? 0 : menuMargin - 1;
+    case PM_ScrollBarExtent:
+    case PM_ScrollView_ScrollBarOverlap: // it lies over the content, which has room for it
+    case PM_ScrollBarSliderMin:
+        return scrollBarExtent;
+    case PM_ToolTipLabelFrameWidth:
+        return 5; // the label adds one
     default:
-        return {}; // no arrows
+        return QProxyStyle::pixelMetric(metric, option, widget);
     }
 }
 
-void installStyle(QApplication& application) {
-    application.setStyle(new KestuStyle);
-    QApplication::setFont(fontOf(TextStyle::callout));
-    QToolTip::setFont(fontOf(TextStyle::caption));
+int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* result) const {
+    switch (hint) {
+    case SH_ComboBox_Popup: // the list of a picker is a menu
+    case SH_ComboBox_ListMouseTracking:
+        return 1;
+    case SH_Menu_Mask:
+    case SH_ToolTip_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(result); mask && widget) {
+            const int radius = hint == SH_Menu_Mask ? metrics::radiusInner : metrics::radiusControl;
+            mask->region = roundRegion(widget->rect(), radius);
+            return 1;
+        }
+        return 0;
+    case SH_ToolTipLabel_Opacity:
+        return 255;
+    case SH_Widget_Animation_Duration:
+    case SH_EtchDisabledText:
+    case SH_DitherDisabledText:
+        return 0;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, result);
+    }
 }
 
-void applyTheme(QApplication& application, const Colors& colors) {
-    application.setPalette(paletteOf(colors));
-    QToolTip::setPalette(paletteOf(colors));
+QPixmap KestuStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
+                                        const QStyleOption* option) const {
+    return mode == QIcon::Disabled ? QProxyStyle::generatedIconPixmap(mode, pixmap, option) : pixmap;
+}
+
+void KestuStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget)) {
+        widget->setAttribute(Qt::WA_Hover);
+        widget->installEventFilter(this);
+    } else if (auto* field = qobject_cast<QLineEdit*>(widget)) {
+        field->setAttribute(Qt::WA_Hover);
+        field->installEventFilter(this);
+        inkField(*field);
+    } else if (auto* editor = qobject_cast<QPlainTextEdit*>(widget)) {
+        editor->setAttribute(Qt::WA_Hover);
+        editor->installEventFilter(this);
+        inkField(*editor);
+        editor->viewport()->setAutoFillBackground(false); // its square corners would hide the round ones
+        editor->document()->setDocumentMargin(editorPadding - (editorFrame - 1));
+    } else if (auto* list = qobject_cast<QAbstractItemView*>(widget);
+               list && isPickerMenu(list->parentWidget())) {
+        list->viewport()->setAutoFillBackground(false);
+    } else if (qobject_cast<QScrollBar*>(widget)) {
+        widget->setAttribute(Qt::WA_OpaquePaintEvent, false); // there is no track
+    } else if (widget->inherits("QTipLabel")) {
+        widget->setContentsMargins(2, 0, 3, 0); // a label's margin is the same on all sides
+    }
+}
+
+bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
+    auto* widget = qobject_cast<QWidget*>(watched);
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        // Qt remembers for good that the keyboard once moved the focus; a click shall show no ring then.
+        if (widget && static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason) {
+            widget->window()->setAttribute(Qt::WA_KeyboardFocusChange, false);
+        }
+        break;
+    case QEvent::EnabledChange:
+    case QEvent::PaletteChange:
+        if (widget && (qobject_cast<QLineEdit*>(widget) || isEditor(widget))) {
+            inkField(*widget);
+        }
+        break;
+    default:
+        break;
+    }
+    return QProxyStyle::eventFilter(watched, event);
 }
 
 } // namespace kestu

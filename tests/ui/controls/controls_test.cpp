@@ -289,8 +289,8 @@ TEST_F(SheetOverHost, ScrollsWhatIsHigherThanTheHost) {
 
 TEST_F(SheetOverHost, AlertAnswersByKeys) {
     const std::vector<AlertButton> buttons{
-        {.text = u"キャンセル"_s, .part = AlertButton::Part::cancel, .role = ButtonRole::normal},
-        {.text = u"続ける"_s, .part = AlertButton::Part::standard, .role = ButtonRole::normal}};
+        {.text = u"キャンセル"_s, .part = AlertButton::Part::cancel, .role = ButtonRole::standard},
+        {.text = u"続ける"_s, .part = AlertButton::Part::standard, .role = ButtonRole::standard}};
     std::vector<AlertButton> destructive = buttons;
     destructive[1] = {
         .text = u"削除"_s, .part = AlertButton::Part::other, .role = ButtonRole::destructiveFilled};
