@@ -69,22 +69,22 @@ QPixmap cached(QStringView name, QSize size, const QColor& color) {
 class InkEngine final : public QIconEngine {
 public:
     InkEngine(QString name, QPalette::ColorRole role)
-        : name_(std::move(name))
-        , role_(role) {}
+        : m_name(std::move(name))
+        , m_role(role) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        paintIcon(*painter, rect, name_, colorOf(mode));
+        paintIcon(*painter, rect, m_name, colorOf(mode));
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
-        return cached(name_, size, colorOf(mode));
+        return cached(m_name, size, colorOf(mode));
     }
 
     QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal) override {
-        return cached(name_, size, colorOf(mode)); // the size is that of the device already
+        return cached(m_name, size, colorOf(mode)); // the size is that of the device already
     }
 
-    [[nodiscard]] QIconEngine* clone() const override { return new InkEngine(name_, role_); }
+    [[nodiscard]] QIconEngine* clone() const override { return new InkEngine(m_name, m_role); }
     [[nodiscard]] QString key() const override { return QStringLiteral("kestu"); }
 
 private:
@@ -99,11 +99,11 @@ private:
         case QIcon::Active:
             break;
         }
-        return palette.color(QPalette::Active, role_);
+        return palette.color(QPalette::Active, m_role);
     }
 
-    QString name_;
-    QPalette::ColorRole role_;
+    QString m_name;
+    QPalette::ColorRole m_role;
 };
 
 } // namespace
