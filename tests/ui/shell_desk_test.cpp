@@ -295,7 +295,8 @@ TEST_F(ShellTest, IsReachableByKeyboardInTheOrderOfTheEye) {
     launch();
     QStringList reached;
     for (int i = 0; i < 4; ++i) {
-        reached << QAccessible::queryAccessibleInterface(QApplication::focusWidget())->text(QAccessible::Name);
+        reached
+            << QAccessible::queryAccessibleInterface(QApplication::focusWidget())->text(QAccessible::Name);
         pressKey(u"Tab"_s);
     }
     EXPECT_EQ(reached, (QStringList{u"画面"_s, u"メニュー"_s, u"許可する"_s, u"システム設定を開く"_s}));
