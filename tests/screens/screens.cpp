@@ -38,8 +38,8 @@ void save(QWidget& widget, const QDir& folder, const QString& name) {
 
 class Studio final {
 public:
-    Studio(QDir folder, QString theme)
-        : m_folder(std::move(folder))
+    Studio(const QDir& folder, QString theme)
+        : m_folder(folder)
         , m_theme(std::move(theme)) {
         m_store.now = test::sampleNow;
         test::fillSampleDay(*m_store.repository);
