@@ -3,6 +3,7 @@
 
 #include "app/AppModel.h"
 #include "ui/Commands.h"
+#include "ui/ManualEntrySheet.h"
 #include "ui/PermissionBanner.h"
 #include "ui/PlaceholderScreen.h"
 #include "ui/Sidebar.h"
@@ -51,12 +52,14 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     connect(&m_model, &AppModel::screenChanged, this, &MainWindow::refreshScreen);
     connect(&m_model, &AppModel::accessibilityGrantedChanged, this, &MainWindow::refreshBanner);
     connect(&m_model, &AppModel::errorMessageChanged, this, &MainWindow::refreshError);
+    connect(&m_model, &AppModel::manualDraftChanged, this, &MainWindow::refreshManualEntry);
     refreshScreen();
     refreshBanner();
     m_sidebar->screenList()->setFocus();
     if (!m_model.welcomeShown()) {
         showWelcome();
     }
+    refreshManualEntry();
     refreshError();
 }
 
@@ -112,6 +115,18 @@ void MainWindow::refreshError() {
         m_errorAlert = nullptr;
         m_model.clearErrorMessage();
     });
+}
+
+void MainWindow::refreshManualEntry() {
+    const auto& draft = m_model.manualDraft();
+    if (m_manualEntry && (!draft || draft->id != m_manualEntry->draftId())) {
+        m_manualEntry->close();
+        m_manualEntry = nullptr;
+    }
+    if (draft && !m_manualEntry) {
+        m_manualEntry = new ManualEntrySheet(this, m_model);
+        m_manualEntry->present();
+    }
 }
 
 void MainWindow::changeEvent(QEvent* event) {

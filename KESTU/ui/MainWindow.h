@@ -6,6 +6,7 @@
 
 #include "app/SidebarItem.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <array>
@@ -18,6 +19,7 @@ namespace kestu {
 class Alert;
 class AppModel;
 class Commands;
+class ManualEntrySheet;
 class PermissionBanner;
 class Sidebar;
 
@@ -44,6 +46,7 @@ private:
     void refreshScreen();
     void refreshBanner();
     void refreshError();
+    void refreshManualEntry();
 
     AppModel& m_model;
     QWidget* m_content;
@@ -52,6 +55,7 @@ private:
     QStackedWidget* m_screens;
     std::array<QWidget*, sidebarEntries.size()> m_screenOf{}; // null until first shown
     Alert* m_errorAlert = nullptr;
+    QPointer<ManualEntrySheet> m_manualEntry; // while the model has a draft
 };
 
 } // namespace kestu

@@ -74,6 +74,14 @@ private:
         model.setErrorMessage(u"終了は開始より後にしてください"_s);
         renderWindow(model, commands, u"error"_s);
         model.clearErrorMessage();
+        model.setManualDraft(ManualDraft{.start = test::sampleTime(10, 24),
+                                         .end = test::sampleTime(10, 38),
+                                         .editingId = {},
+                                         .title = {},
+                                         .projectId = 1,
+                                         .tagIds = {1, 3}});
+        renderWindow(model, commands, u"sheet-manual"_s);
+        model.setManualDraft(std::nullopt);
         m_platform.fakeAccessibility.granted = false;
         model.refreshAccessibility();
         renderWindow(model, commands, u"permission"_s);

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Adds an entry made by hand, or corrects one. It edits values of its own, and only 保存 gives them to the
+// model. Open while the model has a draft; the main window makes one for each draft.
+#pragma once
+
+#include "app/ManualDraft.h"
+#include "ui/controls/Sheet.h"
+
+class QComboBox;
+class QLineEdit;
+
+namespace kestu {
+
+class AppModel;
+class DateTimeField;
+class FormSection;
+class TextLabel;
+
+class ManualEntrySheet final : public Sheet {
+    Q_OBJECT
+
+public:
+    /// The model must have a draft.
+    ManualEntrySheet(QWidget* host, AppModel& model);
+
+    [[nodiscard]] const QUuid& draftId() const { return m_draft.id; }
+
+private:
+    [[nodiscard]] FormSection* makeTimes();
+    [[nodiscard]] FormSection* makeContent();
+    [[nodiscard]] QWidget* makeTags();
+    [[nodiscard]] QComboBox* makeProjects();
+    void takeTimes();
+    void showTimes();
+    void refresh();
+    void save();
+
+    AppModel& m_model;
+    ManualDraft m_draft;
+    DateTimeField* m_start;
+    DateTimeField* m_end;
+    TextLabel* m_length;
+    TextLabel* m_warning;
+    QWidget* m_warningRow = nullptr;
+    QLineEdit* m_title;
+    QPushButton* m_save;
+};
+
+} // namespace kestu

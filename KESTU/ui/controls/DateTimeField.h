@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A date with hour and minute to be typed, stepped, or chosen from a calendar. It holds a time on the wall,
+// without a zone.
+#pragma once
+
+#include <QDateTimeEdit>
+
+class QToolButton;
+
+namespace kestu {
+
+class DateTimeField final : public QDateTimeEdit {
+    Q_OBJECT
+
+public:
+    explicit DateTimeField(const QString& name, QWidget* parent = nullptr);
+
+    void setWallTime(QDate date, QTime time);
+
+Q_SIGNALS:
+    /// The user chose another time; not emitted by setWallTime.
+    void edited();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void showCalendar();
+
+    QToolButton* m_calendarButton;
+    bool m_isSet = false; // while setWallTime runs
+};
+
+} // namespace kestu
