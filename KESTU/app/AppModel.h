@@ -136,6 +136,9 @@ public:
 
     // Entries. Every write ends with a full reload, and a failure becomes the error message.
 
+    /// Sets the draft that corrects an entry made by hand. It has the stored times, also where the day shows
+    /// only a part of them.
+    void correctEntry(const Activity& shown);
     void saveManualDraft(const ManualDraft& draft);
     void deleteActivity(ActivityId id);
     void assignProject(std::optional<ProjectId> projectId, std::span<const ActivityId> ids);

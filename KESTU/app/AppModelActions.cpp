@@ -63,6 +63,24 @@ void AppModel::restartSession() {
     assign(m_currentSample, m_tracker.current(), &AppModel::currentSampleChanged);
 }
 
+void AppModel::correctEntry(const Activity& shown) {
+    Activity stored = shown;
+    const bool isRead = attempt([&](Repository& repository) {
+        for (const Activity& activity : repository.activitiesOverlapping(shown.start, shown.end)) {
+            stored = activity.id == shown.id ? activity : stored;
+        }
+    });
+    report(Source::action, std::nullopt);
+    if (isRead) {
+        setManualDraft(ManualDraft{.start = stored.start,
+                                   .end = stored.end,
+                                   .editingId = stored.id,
+                                   .title = stored.title,
+                                   .projectId = stored.projectId,
+                                   .tagIds = stored.tagIds});
+    }
+}
+
 void AppModel::deleteActivity(ActivityId id) {
     if (m_selectedActivityId == id) {
         setSelectedActivityId(std::nullopt);

@@ -10,6 +10,7 @@
 #include "ui/WelcomeSheet.h"
 #include "ui/controls/Alert.h"
 #include "ui/controls/Surfaces.h"
+#include "ui/timeline/TimelineScreen.h"
 
 #include <QCloseEvent>
 #include <QStackedWidget>
@@ -84,11 +85,18 @@ void MainWindow::showWelcome() {
     (new WelcomeSheet(this, m_model))->present();
 }
 
+QWidget* MainWindow::makeScreen(SidebarItem item) {
+    if (item == SidebarItem::timeline) {
+        return new TimelineScreen(m_model);
+    }
+    return new PlaceholderScreen(sidebarEntries[static_cast<size_t>(item)]);
+}
+
 void MainWindow::refreshScreen() {
     const auto index = static_cast<size_t>(m_model.screen());
     QWidget*& screen = m_screenOf[index];
     if (!screen) {
-        screen = new PlaceholderScreen(sidebarEntries[index]);
+        screen = makeScreen(m_model.screen());
         m_screens->addWidget(screen);
     }
     m_screens->setCurrentWidget(screen);

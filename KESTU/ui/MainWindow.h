@@ -42,6 +42,7 @@ protected:
 
 private:
     [[nodiscard]] QWidget* makeDetail();
+    [[nodiscard]] QWidget* makeScreen(SidebarItem item);
     void showWelcome();
     void refreshScreen();
     void refreshBanner();
