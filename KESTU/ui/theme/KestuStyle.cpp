@@ -44,6 +44,10 @@ void drawFrame(QPainter& painter, const QStyleOption& option, const QWidget* wid
     }
 }
 
+bool isStepped(const QWidget& widget) {
+    return qobject_cast<const QComboBox*>(&widget) || qobject_cast<const QAbstractSpinBox*>(&widget);
+}
+
 } // namespace
 
 KestuStyle::KestuStyle()
@@ -228,6 +232,8 @@ void KestuStyle::polish(QWidget* widget) {
         field->setAttribute(Qt::WA_Hover);
         field->installEventFilter(this);
         inkField(*field);
+    } else if (qobject_cast<QAbstractSpinBox*>(widget)) {
+        widget->installEventFilter(this);
     } else if (auto* editor = qobject_cast<QPlainTextEdit*>(widget)) {
         editor->setAttribute(Qt::WA_Hover);
         editor->installEventFilter(this);
@@ -247,6 +253,13 @@ void KestuStyle::polish(QWidget* widget) {
 bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
     auto* widget = qobject_cast<QWidget*>(watched);
     switch (event->type()) {
+    case QEvent::Wheel:
+        // Who scrolls a form must not change what happens to pass below the pointer.
+        if (widget && !widget->hasFocus() && isStepped(*widget)) {
+            event->ignore();
+            return true;
+        }
+        break;
     case QEvent::FocusIn:
         // Qt remembers for good that the keyboard once moved the focus; a click shall show no ring then.
         if (widget && static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason) {
