@@ -172,8 +172,9 @@ public:
     void acceptSuggestion(SuggestionId id);
     void dismissSuggestion(SuggestionId id);
 
-    /// An empty text clears the selected day's note.
-    void saveDayNote(const QString& text);
+    /// For the day of that key, for the selected one may change while its note is written. An empty text
+    /// clears the note. False after a failure.
+    bool saveDayNote(const QString& day, const QString& text);
 
 Q_SIGNALS:
     void userPausedChanged();

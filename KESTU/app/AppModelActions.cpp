@@ -177,9 +177,8 @@ void AppModel::dismissSuggestion(SuggestionId id) {
     write([&](Repository& repository) { repository.deleteSuggestion(id); });
 }
 
-void AppModel::saveDayNote(const QString& text) {
-    const QString day = dayKey(m_selectedDay, calendar());
-    write([&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
+bool AppModel::saveDayNote(const QString& day, const QString& text) {
+    return write([&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
 }
 
 } // namespace kestu

@@ -4,7 +4,7 @@
 #include "app/AppModel.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/timeline/DayHeader.h"
-// X#include "ui/timeline/DayNoteCard.h"
+#include "ui/timeline/DayNoteCard.h"
 #include "ui/timeline/HourBars.h"
 #include "ui/timeline/HourRows.h"
 #include "ui/timeline/ProjectSummary.h"
@@ -54,7 +54,7 @@ QScrollArea* TimelineScreen::makeColumn() {
     auto* parts = new QVBoxLayout(content);
     parts->setContentsMargins(columnPadding, columnPadding, columnPadding, columnPadding);
     parts->setSpacing(columnGap);
-    // Xparts->addWidget(new DayNoteCard(m_model));
+    parts->addWidget(new DayNoteCard(m_model));
     m_empty->setMinimumHeight(emptyHeight);
     parts->addWidget(m_empty);
     parts->addWidget(m_summary);
