@@ -13,6 +13,7 @@
 #include "ui/timeline/TimelineScreen.h"
 
 #include <QCloseEvent>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -42,7 +43,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     , m_screens(new QStackedWidget) {
     setMinimumSize(minimumContent);
     resize(defaultContent);
-    addAction(&commands.help());
+    addActions({&commands.help(), &commands.quitAction()});
 
     auto* columns = tight<QHBoxLayout>(m_content);
     columns->addWidget(m_sidebar);
@@ -54,6 +55,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     connect(&m_model, &AppModel::accessibilityGrantedChanged, this, &MainWindow::refreshBanner);
     connect(&m_model, &AppModel::errorMessageChanged, this, &MainWindow::refreshError);
     connect(&m_model, &AppModel::manualDraftChanged, this, &MainWindow::refreshManualEntry);
+    addShortcuts();
     refreshScreen();
     refreshBanner();
     m_sidebar->screenList()->setFocus();
@@ -75,6 +77,19 @@ QWidget* MainWindow::makeDetail() {
     layout->addWidget(m_banner);
     layout->addWidget(m_screens, 1);
     return detail;
+}
+
+/// They belong to the content, so that they rest while a sheet covers it.
+void MainWindow::addShortcuts() {
+    const auto add = [this](const QKeySequence& keys, SidebarItem item) {
+        connect(new QShortcut(keys, m_content), &QShortcut::activated, this,
+                [this, item] { m_model.setScreen(item); });
+    };
+    int key = Qt::Key_1;
+    for (const SidebarEntry& entry : sidebarEntries) {
+        add(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)), entry.item);
+    }
+    add(QKeySequence(Qt::CTRL | Qt::Key_Comma), SidebarItem::settings);
 }
 
 void MainWindow::showMessage(const QString& title, const QString& text) {

@@ -43,6 +43,7 @@ protected:
 private:
     [[nodiscard]] QWidget* makeDetail();
     [[nodiscard]] QWidget* makeScreen(SidebarItem item);
+    void addShortcuts();
     void showWelcome();
     void refreshScreen();
     void refreshBanner();
