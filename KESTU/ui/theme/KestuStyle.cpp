@@ -16,6 +16,7 @@
 #include <QScrollBar>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QTextFormat>
 
 #include <algorithm>
 
@@ -204,6 +205,14 @@ int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
         if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(result); mask && widget) {
             const int radius = hint == SH_Menu_Mask ? metrics::radiusInner : metrics::radiusControl;
             mask->region = roundRegion(widget->rect(), radius);
+            return 1;
+        }
+        return 0;
+    case SH_TextControl_FocusIndicatorTextCharFormat: // around a link
+        if (auto* format = qstyleoption_cast<QStyleHintReturnVariant*>(result); format && option) {
+            QTextCharFormat ring;
+            ring.setProperty(QTextFormat::OutlinePen, QPen(colorsOf(option->palette).focus, 2));
+            format->variant = ring;
             return 1;
         }
         return 0;

@@ -49,6 +49,7 @@ DayNoteCard::DayNoteCard(AppModel& model)
     , m_edit(smallButton(QStringLiteral("編集")))
     , m_copy(smallButton({}))
     , m_write(smallButton(QStringLiteral("自分で書く")))
+    , m_row(new QBoxLayout(QBoxLayout::LeftToRight))
     , m_note(makeNote())
     , m_invitation(makeInvitation()) {
     auto* card = new Card;
@@ -64,7 +65,6 @@ DayNoteCard::DayNoteCard(AppModel& model)
     connect(m_write, &QPushButton::clicked, this, &DayNoteCard::edit);
     connect(&m_model, &AppModel::dayNoteChanged, this, &DayNoteCard::refresh);
     connect(&m_model, &AppModel::selectedDayChanged, this, [this] { setCopied(false); });
-    setCopied(false);
     refresh();
 }
 
@@ -85,28 +85,48 @@ QWidget* DayNoteCard::makeNote() {
 }
 
 QWidget* DayNoteCard::makeInvitation() {
-    m_copy->setToolTip(toolTipOf(
-        QStringLiteral("KESTUの MCP をつないだ Claude に貼り付けると、まとめを書いて保存してくれます")));
+    setCopied(false);
     auto* invitation = new QWidget;
-    auto* row = bare(new QHBoxLayout(invitation), partGap);
-    row->addWidget(noteIcon());
-    row->addWidget(new TextLabel(QStringLiteral("この日のまとめはまだありません"), TextStyle::callout,
-                                 ink::secondary, Overflow::elideRight),
-                   1);
-    row->addWidget(m_copy);
-    row->addWidget(m_write);
+    invitation->setLayout(bare(m_row, partGap));
+    auto* words = bare(new QHBoxLayout, partGap);
+    words->addWidget(noteIcon());
+    auto* text = new TextLabel(QStringLiteral("この日のまとめはまだありません"), TextStyle::callout,
+                               ink::secondary, Overflow::elideRight);
+    text->setMinimumWidth(1); // so that nothing keeps the row from becoming too narrow for it
+    words->addWidget(text, 1);
+    m_row->addLayout(words); // no stretch: below each other it would make the card grow
+    m_row->addLayout(makeButtons());
+    m_rowWidth = m_row->sizeHint().width(); // with the longer text of its button
     return invitation;
 }
 
+QHBoxLayout* DayNoteCard::makeButtons() {
+    m_copy->setToolTip(toolTipOf(
+        QStringLiteral("KESTUの MCP をつないだ Claude に貼り付けると、まとめを書いて保存してくれます")));
+    auto* buttons = bare(new QHBoxLayout, partGap);
+    buttons->addStretch();
+    buttons->addWidget(m_copy);
+    buttons->addWidget(m_write);
+    return buttons;
+}
+
+/// Where the text would be cut off, the buttons stand below it.
+void DayNoteCard::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const bool fits = width() - 2 * cardPadding >= m_rowWidth;
+    m_row->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+}
+
+/// What goes is hidden first, for showing a widget lays out at once.
 void DayNoteCard::refresh() {
     const auto& note = m_model.dayNote();
-    m_note->setVisible(note.has_value());
-    m_invitation->setVisible(!note);
     if (note) {
         m_author->setText(note->author == QStringLiteral("ai") ? QStringLiteral("AI")
                                                                : QStringLiteral("自分"));
         m_text->setNote(note->summary);
     }
+    (note ? m_invitation : m_note)->hide();
+    (note ? m_note : m_invitation)->show();
 }
 
 void DayNoteCard::setCopied(bool copied) {

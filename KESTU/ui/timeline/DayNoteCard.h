@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QWidget>
 
+class QBoxLayout;
+class QHBoxLayout;
 class QPushButton;
 
 namespace kestu {
@@ -22,9 +24,13 @@ class DayNoteCard final : public QWidget {
 public:
     explicit DayNoteCard(AppModel& model);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     [[nodiscard]] QWidget* makeNote();
     [[nodiscard]] QWidget* makeInvitation();
+    [[nodiscard]] QHBoxLayout* makeButtons();
     void refresh();
     void setCopied(bool copied);
     void copyRequest();
@@ -37,6 +43,8 @@ private:
     QPushButton* m_edit;
     QPushButton* m_copy;
     QPushButton* m_write;
+    QBoxLayout* m_row;  // of the invitation
+    int m_rowWidth = 0; // that it needs
     QWidget* m_note;
     QWidget* m_invitation; // while there is no note
     QPointer<DayNoteEditor> m_editor;

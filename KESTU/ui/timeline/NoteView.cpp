@@ -66,7 +66,7 @@ NoteView::NoteView(QWidget* parent)
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     document()->setDefaultTextOption(option);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
@@ -78,6 +78,7 @@ void NoteView::setNote(const QString& summary) {
     }
     m_summary = summary;
     write(noteSpans(plainHeadings(summary)));
+    moveCursor(QTextCursor::Start);
     setFocusPolicy(m_links.empty() ? Qt::ClickFocus : Qt::StrongFocus);
     delete m_measure;
     m_measure = document()->clone(this);
@@ -119,7 +120,7 @@ void NoteView::colorLinks() {
 }
 
 QSize NoteView::sizeHint() const {
-    return {usualWidth, heightForWidth(width() > 0 ? width() : usualWidth)};
+    return {usualWidth, heightForWidth(m_measuredWidth > 0 ? m_measuredWidth : usualWidth)};
 }
 
 QSize NoteView::minimumSizeHint() const {
