@@ -21,14 +21,16 @@ FormSection::FormSection(const QString& title, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(titleGap);
-    auto* heading = new TextLabel(title, TextStyle::callout);
-    heading->setFont(semibold(heading->font()));
-    heading->setContentsMargins(2, 0, 2, 0);
+    if (!title.isEmpty()) {
+        auto* heading = new TextLabel(title, TextStyle::callout);
+        heading->setFont(semibold(heading->font()));
+        heading->setContentsMargins(2, 0, 2, 0);
+        column->addWidget(heading);
+    }
     auto* card = new Card(Card::Kind::onSheet);
     m_rows = new QVBoxLayout(card);
     m_rows->setContentsMargins(0, 0, 0, 0);
     m_rows->setSpacing(0);
-    column->addWidget(heading);
     column->addWidget(card);
 }
 

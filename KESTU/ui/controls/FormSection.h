@@ -15,6 +15,7 @@ class FormSection final : public QWidget {
     Q_OBJECT
 
 public:
+    /// No heading without a title.
     explicit FormSection(const QString& title, QWidget* parent = nullptr);
 
     /// A row of a label and its control, which takes the label as its accessible name if it has none.

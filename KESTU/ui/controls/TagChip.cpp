@@ -66,8 +66,11 @@ TagChip::TagChip(const Look& look, Kind kind, QWidget* parent)
 }
 
 void TagChip::setLook(const Look& look) {
+    setChecked(look.on); // a click has changed it
+    if (look == m_look) {
+        return;
+    }
     m_look = look;
-    setChecked(look.on);
     setAccessibleName(look.note.isEmpty() ? look.name : look.name + u' ' + look.note);
     updateGeometry();
     update();

@@ -31,6 +31,8 @@ public:
         QColor color;
         bool on = false;
         QString note;
+
+        [[nodiscard]] bool operator==(const Look&) const = default;
     };
 
     TagChip(const Look& look, Kind kind, QWidget* parent = nullptr);

@@ -200,6 +200,8 @@ int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_ComboBox_Popup: // the list of a picker is a menu
     case SH_ComboBox_ListMouseTracking:
         return 1;
+    case SH_ComboBox_AllowWheelScrolling: // the wheel scrolls what the picker stands in
+        return 0;
     case SH_Menu_Mask:
     case SH_ToolTip_Mask:
         if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(result); mask && widget) {

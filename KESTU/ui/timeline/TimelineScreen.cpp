@@ -8,7 +8,7 @@
 #include "ui/timeline/HourBars.h"
 #include "ui/timeline/HourRows.h"
 #include "ui/timeline/ProjectSummary.h"
-// X#include "ui/timeline/SidePanel.h"
+#include "ui/timeline/SidePanel.h"
 
 #include <QScrollArea>
 #include <QScrollBar>
@@ -42,7 +42,7 @@ TimelineScreen::TimelineScreen(AppModel& model)
     layout->setSpacing(0);
     layout->addLayout(day, 1);
     layout->addWidget(new Divider(Qt::Vertical));
-    // Xlayout->addWidget(new SidePanel(model));
+    layout->addWidget(new SidePanel(model));
     connect(&m_model, &AppModel::dayItemsChanged, this, &TimelineScreen::refreshContent);
     connect(&m_model, &AppModel::selectedDayChanged, this, &TimelineScreen::refreshDay);
     refreshContent();

@@ -31,6 +31,7 @@ class DayNoteTest : public testing::Test {
 protected:
     DayNoteTest() {
         test::fillSampleDay(*store.repository);
+        store.execute(u"DELETE FROM daily_note"_s);
         model = std::make_unique<AppModel>(store.open(), platform,
                                            AppModel::Environment{.clock = [] { return test::sampleNow; },
                                                                  .calendar = test::tokyo,

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/timeline/ActivityDetail.h"
+
+#include "app/AppModel.h"
+#include "classify/DurationText.h"
+#include "ui/Texts.h"
+#include "ui/controls/FlowLayout.h"
+#include "ui/controls/IconButton.h"
+#include "ui/controls/TextLabel.h"
+#include "ui/theme/KestuStyle.h"
+#include "ui/timeline/CategoryPicker.h"
+
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace kestu {
+namespace {
+
+constexpr int gap = 8;
+constexpr int longestTitle = 3; // lines
+constexpr int overhang = 6;     // a borderless text begins where the texts above it do
+
+/// The project that the rules alone give.
+std::optional<ProjectId> projectByRules(Activity activity, const std::vector<Rule>& rules) {
+    activity.projectId.reset();
+    return resolve(activity, rules).projectId;
+}
+
+QString nameOf(const Activity& activity) {
+    if (!activity.isManual) {
+        return activity.appName;
+    }
+    return activity.title.isEmpty() ? QStringLiteral("手動の区間") : activity.title;
+}
+
+void showText(TextLabel& label, const QString& text) {
+    label.setText(text);
+    label.setVisible(!text.isEmpty());
+}
+
+QPushButton* makeBorderless(const QString& text) {
+    auto* button = new QPushButton(text);
+    setBorderless(button);
+    return button;
+}
+
+} // namespace
+
+ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_heading(new TextLabel({}, TextStyle::headline))
+    , m_name(new TextLabel({}, TextStyle::title3, ink::primary, Overflow::elideRight))
+    , m_title(new TextLabel({}, TextStyle::callout, ink::primary, Overflow::wrap))
+    , m_address(new TextLabel({}, TextStyle::caption, ink::secondary, Overflow::elideMiddle))
+    , m_time(new TextLabel({}, TextStyle::caption, ink::secondary))
+    , m_project(new CategoryPicker(CategoryPicker::Divider::afterFirst))
+    , m_tags(new QWidget)
+    , m_chips(*new FlowLayout(6, m_tags))
+    , m_edit(makeBorderless(QStringLiteral("時間・内容を直す…"))) {
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(gap);
+    column->addLayout(makeHeader());
+    column->addLayout(makeTexts());
+    column->addLayout(makeProject());
+    column->addWidget(new TextLabel(QStringLiteral("ここで選ぶと、この区間だけルールより優先されます。"),
+                                    TextStyle::caption2, ink::tertiary, Overflow::wrap));
+    auto* tags = new TextLabel(QStringLiteral("タグ（いくつでも）"), TextStyle::caption);
+    tags->setFont(semibold(tags->font()));
+    tags->setContentsMargins(0, 4, 0, 0);
+    column->addWidget(tags);
+    column->addWidget(m_tags);
+    column->addLayout(makeButtons());
+    connect(&m_model, &AppModel::projectsChanged, this, &ActivityDetail::showProject);
+    connect(&m_model, &AppModel::rulesChanged, this, &ActivityDetail::showProject);
+    connect(&m_model, &AppModel::tagsChanged, this, &ActivityDetail::showTags);
+}
+
+QLayout* ActivityDetail::makeHeader() {
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, -4, 0); // the cross ends where the texts do
+    row->setSpacing(gap);
+    row->addWidget(m_heading, 1);
+    auto* close = new IconButton(QStringLiteral("xmark"), QStringLiteral("閉じる"));
+    row->addWidget(close);
+    connect(close, &QAbstractButton::clicked, this, [this] { m_model.setSelectedActivityId(std::nullopt); });
+    return row;
+}
+
+QLayout* ActivityDetail::makeTexts() {
+    m_title->setMaximumLines(longestTitle);
+    m_title->setCopyable(true);
+    m_address->setCopyable(true);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(4);
+    for (TextLabel* label : {m_name, m_title, m_address, m_time}) {
+        column->addWidget(label);
+    }
+    return column;
+}
+
+QLayout* ActivityDetail::makeProject() {
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 4, 0, 0);
+    row->setSpacing(gap);
+    m_project->setAccessibleName(QStringLiteral("プロジェクト"));
+    row->addWidget(new TextLabel(m_project->accessibleName()));
+    row->addWidget(m_project, 1);
+    connect(m_project, &QComboBox::activated, this, &ActivityDetail::chooseProject);
+    return row;
+}
+
+QLayout* ActivityDetail::makeButtons() {
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(-overhang, 0, 0, 0);
+    row->setSpacing(overhang);
+    auto* remove = makeBorderless(QStringLiteral("この区間を削除"));
+    setRole(remove, ButtonRole::destructive);
+    row->addWidget(m_edit);
+    row->addWidget(remove);
+    row->addStretch();
+    connect(m_edit, &QPushButton::clicked, this, [this] { m_model.correctEntry(m_item->activity); });
+    connect(remove, &QPushButton::clicked, this, [this] { m_model.deleteActivity(m_item->activity.id); });
+    return row;
+}
+
+void ActivityDetail::setItem(const ResolvedActivity& item) {
+    if (m_item == item) {
+        return;
+    }
+    m_item = item;
+    showTexts();
+    showProject();
+    showTags();
+}
+
+void ActivityDetail::showTexts() {
+    const Activity& activity = m_item->activity;
+    m_heading->setText(activity.isManual ? QStringLiteral("選択中（手動）") : QStringLiteral("選択中"));
+    m_name->setText(nameOf(activity));
+    showText(*m_title, activity.isManual ? QString() : activity.title);
+    showText(*m_address, activity.url.value_or(QString()));
+    LocalClock clock(m_model.calendar());
+    m_time->setText(rangeText({.start = activity.start, .end = activity.end}, clock) +
+                    QStringLiteral("（%1）").arg(formatDuration(secondsOf(*m_item))));
+    m_edit->setVisible(activity.isManual);
+}
+
+void ActivityDetail::showProject() {
+    if (!m_item) {
+        return;
+    }
+    const QString automatic = projectName(m_model, projectByRules(m_item->activity, m_model.rules()));
+    m_project->showCategories(QStringLiteral("自動（%1）").arg(automatic), m_model, CategoryKind::project,
+                              m_item->activity.projectId);
+}
+
+void ActivityDetail::showTags() {
+    if (!m_item) {
+        return;
+    }
+    QStringList keys;
+    for (const Tag& tag : m_model.tags()) {
+        keys += QString::number(tag.id) + (isGivenByRuleAlone(tag.id) ? u'-' : u'+');
+    }
+    const bool isRearranged =
+        m_chips.arrange(keys, [this](std::size_t index) { return makeChip(m_model.tags()[index].id); });
+    for (std::size_t index = 0; index < m_model.tags().size(); ++index) {
+        m_chips.rows()[index]->setLook(lookOf(m_model.tags()[index].id));
+    }
+    m_tags->setVisible(!keys.isEmpty());
+    if (isRearranged) {
+        Q_EMIT rearranged();
+    }
+}
+
+bool ActivityDetail::isGivenByRuleAlone(TagId id) const {
+    return m_item->ruleTagIds.contains(id) && !m_item->activity.tagIds.contains(id);
+}
+
+TagChip::Look ActivityDetail::lookOf(TagId id) const {
+    return {.name = tagName(m_model, id),
+            .color = tagColor(m_model, id),
+            .on = m_item->tagIds.contains(id),
+            .note = isGivenByRuleAlone(id) ? QStringLiteral("ルール") : QString()};
+}
+
+TagChip* ActivityDetail::makeChip(TagId id) {
+    const bool isFixed = isGivenByRuleAlone(id);
+    auto* chip = new TagChip(lookOf(id), isFixed ? TagChip::Kind::label : TagChip::Kind::clickable);
+    if (!isFixed) {
+        connect(chip, &QAbstractButton::clicked, this, [this, id] { toggleTag(id); });
+    }
+    return chip;
+}
+
+void ActivityDetail::chooseProject() {
+    const auto chosen = m_project->chosen();
+    if (chosen == m_item->activity.projectId) {
+        return;
+    }
+    const std::array ids{m_item->activity.id};
+    m_model.assignProject(chosen, ids);
+    showProject(); // as it was, if it could not be written
+}
+
+void ActivityDetail::toggleTag(TagId id) {
+    const Activity activity = m_item->activity;
+    m_model.toggleTag(id, activity);
+    showTags(); // as it was, if it could not be written
+}
+
+} // namespace kestu

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// What the selected activity is, and what can be changed about it alone: its project, its tags, that it
+// exists. It belongs to the side panel, which gives it the item; it grows in place while the item is
+// recorded.
+#pragma once
+
+#include "classify/Resolution.h"
+#include "ui/controls/TagChip.h"
+#include "ui/timeline/KeyedRows.h"
+
+#include <optional>
+
+class QLayout;
+class QPushButton;
+
+namespace kestu {
+
+class AppModel;
+class CategoryPicker;
+class TextLabel;
+
+class ActivityDetail final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ActivityDetail(AppModel& model, QWidget* parent = nullptr);
+
+    void setItem(const ResolvedActivity& item);
+
+Q_SIGNALS:
+    void rearranged();
+
+private:
+    [[nodiscard]] QLayout* makeHeader();
+    [[nodiscard]] QLayout* makeTexts();
+    [[nodiscard]] QLayout* makeProject();
+    [[nodiscard]] QLayout* makeButtons();
+    void showTexts();
+    void showProject();
+    void showTags();
+    [[nodiscard]] bool isGivenByRuleAlone(TagId id) const;
+    [[nodiscard]] TagChip::Look lookOf(TagId id) const;
+    [[nodiscard]] TagChip* makeChip(TagId id);
+    void chooseProject();
+    void toggleTag(TagId id);
+
+    AppModel& m_model;
+    std::optional<ResolvedActivity> m_item;
+    TextLabel* m_heading;
+    TextLabel* m_name;
+    TextLabel* m_title;
+    TextLabel* m_address;
+    TextLabel* m_time;
+    CategoryPicker* m_project;
+    QWidget* m_tags;
+    KeyedRows<TagChip> m_chips;
+    QPushButton* m_edit;
+};
+
+} // namespace kestu

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/timeline/SidePanel.h"
+
+#include "app/AppModel.h"
+#include "ui/controls/Surfaces.h"
+#include "ui/timeline/ActivityDetail.h"
+#include "ui/timeline/GapList.h"
+#include "ui/timeline/UnassignedList.h"
+
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace kestu {
+namespace {
+
+constexpr int panelWidth = 320;
+constexpr int padding = 16;
+constexpr int partGap = 20;
+
+/// The order of the layouts, whatever was made first.
+void chainTabs(const QLayout& layout, QWidget*& last) {
+    for (int index = 0; index < layout.count(); ++index) {
+        QLayoutItem* item = layout.itemAt(index);
+        QWidget* widget = item->widget();
+        if (const QLayout* inner = widget ? widget->layout() : item->layout()) {
+            chainTabs(*inner, last);
+        } else if (widget && (widget->focusPolicy() & Qt::TabFocus)) {
+            QWidget::setTabOrder(last, widget);
+            last = widget;
+        }
+    }
+}
+
+} // namespace
+
+SidePanel::SidePanel(AppModel& model, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_scroll(new QScrollArea)
+    , m_detail(new ActivityDetail(model))
+    , m_belowDetail(new Divider)
+    , m_gaps(new GapList(model))
+    , m_belowGaps(new Divider)
+    , m_unassigned(new UnassignedList(model)) {
+    setFixedWidth(panelWidth);
+    QVBoxLayout* column = makeColumn();
+    for (QWidget* part :
+         std::initializer_list<QWidget*>{m_detail, m_belowDetail, m_gaps, m_belowGaps, m_unassigned}) {
+        column->addWidget(part);
+    }
+    column->addStretch();
+    connect(m_detail, &ActivityDetail::rearranged, this, &SidePanel::orderTabs);
+    connect(m_gaps, &GapList::rearranged, this, &SidePanel::orderTabs);
+    connect(m_gaps, &GapList::rearranged, this, &SidePanel::showDividers);
+    connect(m_unassigned, &UnassignedList::rearranged, this, &SidePanel::orderTabs);
+    connect(&m_model, &AppModel::dayItemsChanged, this, &SidePanel::showSelected);
+    connect(&m_model, &AppModel::selectedActivityIdChanged, this, &SidePanel::showSelected);
+    connect(&m_model, &AppModel::selectedActivityIdChanged, this, &SidePanel::scrollToTop);
+    connect(&m_model, &AppModel::selectedDayChanged, this, &SidePanel::scrollToTop);
+    showSelected();
+    showDividers();
+    orderTabs();
+}
+
+QVBoxLayout* SidePanel::makeColumn() {
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(partGap);
+    m_scroll->setWidget(content);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setFocusPolicy(Qt::NoFocus); // its buttons scroll it
+    m_scroll->viewport()->setAutoFillBackground(false);
+    content->setAutoFillBackground(false);
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(m_scroll);
+    return column;
+}
+
+void SidePanel::showSelected() {
+    const auto& items = m_model.dayItems();
+    const auto selected = std::find_if(items.begin(), items.end(), [this](const ResolvedActivity& item) {
+        return item.activity.id == m_model.selectedActivityId();
+    });
+    const bool isShown = selected != items.end();
+    if (isShown) {
+        m_detail->setItem(*selected);
+    }
+    m_detail->setVisible(isShown);
+    m_belowDetail->setVisible(isShown);
+}
+
+/// Without gaps, the one below the detail is all there is to divide.
+void SidePanel::showDividers() {
+    m_gaps->setVisible(!m_gaps->isEmpty());
+    m_belowGaps->setVisible(!m_gaps->isEmpty());
+}
+
+void SidePanel::orderTabs() {
+    QWidget* last = m_scroll;
+    chainTabs(*m_scroll->widget()->layout(), last);
+}
+
+void SidePanel::scrollToTop() {
+    m_scroll->verticalScrollBar()->setValue(0);
+}
+
+} // namespace kestu
