@@ -107,7 +107,9 @@ QLayout* ActivityDetail::makeProject() {
     row->setContentsMargins(0, 4, 0, 0);
     row->setSpacing(gap);
     m_project->setAccessibleName(QStringLiteral("プロジェクト"));
-    row->addWidget(new TextLabel(m_project->accessibleName()));
+    auto* label = new TextLabel(m_project->accessibleName());
+    label->setBuddy(m_project);
+    row->addWidget(label);
     row->addWidget(m_project, 1);
     connect(m_project, &QComboBox::activated, this, &ActivityDetail::chooseProject);
     return row;
