@@ -20,7 +20,6 @@ namespace {
 
 constexpr int gap = 8;
 constexpr int longestTitle = 3; // lines
-constexpr int overhang = 6;     // a borderless text begins where the texts above it do
 
 /// The project that the rules alone give.
 std::optional<ProjectId> projectByRules(Activity activity, const std::vector<Rule>& rules) {
@@ -66,13 +65,7 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
     column->addLayout(makeHeader());
     column->addLayout(makeTexts());
     column->addLayout(makeProject());
-    column->addWidget(new TextLabel(QStringLiteral("ここで選ぶと、この区間だけルールより優先されます。"),
-                                    TextStyle::caption2, ink::tertiary, Overflow::wrap));
-    auto* tags = new TextLabel(QStringLiteral("タグ（いくつでも）"), TextStyle::caption);
-    tags->setFont(semibold(tags->font()));
-    tags->setContentsMargins(0, 4, 0, 0);
-    column->addWidget(tags);
-    column->addWidget(m_tags);
+    column->addLayout(makeTagTexts());
     column->addLayout(makeButtons());
     connect(&m_model, &AppModel::projectsChanged, this, &ActivityDetail::showProject);
     connect(&m_model, &AppModel::rulesChanged, this, &ActivityDetail::showProject);
@@ -81,7 +74,7 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
 
 QLayout* ActivityDetail::makeHeader() {
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, -4, 0); // the cross ends where the texts do
+    row->setContentsMargins(sideRoom.left(), 0, 0, 0); // the cross ends where the texts do
     row->setSpacing(gap);
     row->addWidget(m_heading, 1);
     auto* close = new IconButton(QStringLiteral("xmark"), QStringLiteral("閉じる"));
@@ -95,6 +88,7 @@ QLayout* ActivityDetail::makeTexts() {
     m_title->setCopyable(true);
     m_address->setCopyable(true);
     auto* column = new QVBoxLayout;
+    column->setContentsMargins(sideRoom);
     column->setSpacing(4);
     for (TextLabel* label : {m_name, m_title, m_address, m_time}) {
         column->addWidget(label);
@@ -104,7 +98,7 @@ QLayout* ActivityDetail::makeTexts() {
 
 QLayout* ActivityDetail::makeProject() {
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 4, 0, 0);
+    row->setContentsMargins(sideRoom + QMargins(0, 4, 0, 0));
     row->setSpacing(gap);
     m_project->setAccessibleName(QStringLiteral("プロジェクト"));
     auto* label = new TextLabel(m_project->accessibleName());
@@ -115,10 +109,24 @@ QLayout* ActivityDetail::makeProject() {
     return row;
 }
 
+QLayout* ActivityDetail::makeTagTexts() {
+    auto* column = new QVBoxLayout;
+    column->setContentsMargins(sideRoom);
+    column->setSpacing(gap);
+    column->addWidget(new TextLabel(QStringLiteral("ここで選ぶと、この区間だけルールより優先されます。"),
+                                    TextStyle::caption2, ink::tertiary, Overflow::wrap));
+    auto* title = new TextLabel(QStringLiteral("タグ（いくつでも）"), TextStyle::caption);
+    title->setFont(semibold(title->font()));
+    title->setContentsMargins(0, 4, 0, 0);
+    column->addWidget(title);
+    column->addWidget(m_tags);
+    return column;
+}
+
 QLayout* ActivityDetail::makeButtons() {
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(-overhang, 0, 0, 0);
-    row->setSpacing(overhang);
+    row->setContentsMargins(0, 0, sideRoom.right(), 0); // their texts begin where those above them do
+    row->setSpacing(sideRoom.left());
     auto* remove = makeBorderless(QStringLiteral("この区間を削除"));
     setRole(remove, ButtonRole::destructive);
     row->addWidget(m_edit);

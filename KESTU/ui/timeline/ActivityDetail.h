@@ -20,6 +20,9 @@ class AppModel;
 class CategoryPicker;
 class TextLabel;
 
+/// How far the detail reaches beyond the texts of the panel: borderless buttons are wider than what they say.
+inline constexpr QMargins sideRoom{6, 0, 4, 0};
+
 class ActivityDetail final : public QWidget {
     Q_OBJECT
 
@@ -35,6 +38,7 @@ private:
     [[nodiscard]] QLayout* makeHeader();
     [[nodiscard]] QLayout* makeTexts();
     [[nodiscard]] QLayout* makeProject();
+    [[nodiscard]] QLayout* makeTagTexts();
     [[nodiscard]] QLayout* makeButtons();
     void showTexts();
     void showProject();

@@ -49,6 +49,9 @@ SidePanel::SidePanel(AppModel& model, QWidget* parent)
     QVBoxLayout* column = makeColumn();
     for (QWidget* part :
          std::initializer_list<QWidget*>{m_detail, m_belowDetail, m_gaps, m_belowGaps, m_unassigned}) {
+        if (part != m_detail) {
+            part->setContentsMargins(sideRoom);
+        }
         column->addWidget(part);
     }
     column->addStretch();
@@ -68,7 +71,7 @@ SidePanel::SidePanel(AppModel& model, QWidget* parent)
 QVBoxLayout* SidePanel::makeColumn() {
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(padding, padding, padding, padding);
+    column->setContentsMargins(padding - sideRoom.left(), padding, padding - sideRoom.right(), padding);
     column->setSpacing(partGap);
     m_scroll->setWidget(content);
     m_scroll->setWidgetResizable(true);
