@@ -16,7 +16,7 @@
 namespace kestu {
 namespace {
 
-constexpr int padding = 14;
+constexpr int padding = 15; // the hairline included
 constexpr int gap = 10;
 constexpr int ruleGap = 6;
 
@@ -59,7 +59,7 @@ void CategoryCard::setRules(std::vector<Rule> rules) {
     m_rules = std::move(rules);
     setFixedHeight(heightWith(static_cast<int>(m_rules.size())));
     if (isFilled() && syncRules()) {
-        chainContents();
+        chainRules();
     }
 }
 
@@ -76,7 +76,6 @@ void CategoryCard::fill() {
     column->addWidget(m_addRule);
     connect(m_header, &CategoryHeader::deleteAsked, this, &CategoryCard::confirmDelete);
     syncRules();
-    chainContents();
 }
 
 /// Whether a rule came, went or moved.
@@ -86,16 +85,23 @@ bool CategoryCard::syncRules() {
 }
 
 QWidget* CategoryCard::chainAfter(QWidget* previous) {
-    setTabOrder(previous, this);
-    return isFilled() ? chainContents() : this;
+    if (isFilled()) {
+        chainStops(previous, *m_header);
+        chainRules();
+    }
+    return lastStopAfter(previous);
 }
 
-QWidget* CategoryCard::chainContents() {
-    QWidget* last = chainStops(this, *m_header);
+QWidget* CategoryCard::lastStopAfter(QWidget* previous) const {
+    return isFilled() ? stopsIn(*m_addRule).back() : previous;
+}
+
+void CategoryCard::chainRules() {
+    QWidget* last = stopsIn(*m_header).back();
     for (const RuleRow* row : m_rows) {
         last = chainStops(last, *row);
     }
-    return chainStops(last, *m_addRule);
+    chainStops(last, *m_addRule);
 }
 
 void CategoryCard::confirmDelete() {

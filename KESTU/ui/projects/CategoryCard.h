@@ -33,8 +33,10 @@ public:
     [[nodiscard]] bool isFilled() const { return m_header != nullptr; }
     void fill();
 
-    /// Puts the card and what Tab reaches in it behind `previous`; returns the last of it.
+    /// Puts what Tab reaches in the card behind `previous`; returns the last of it, or `previous` while there
+    /// is nothing.
     QWidget* chainAfter(QWidget* previous);
+    [[nodiscard]] QWidget* lastStopAfter(QWidget* previous) const;
 
 protected:
     void hideEvent(QHideEvent* event) override;
@@ -42,7 +44,7 @@ protected:
 
 private:
     bool syncRules();
-    QWidget* chainContents();
+    void chainRules();
     void confirmDelete();
 
     AppModel& m_model;

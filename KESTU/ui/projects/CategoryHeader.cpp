@@ -15,6 +15,7 @@ namespace kestu {
 namespace {
 
 constexpr int gap = 10;
+constexpr int textIndent = 4; // of the name within its field
 
 QToolButton* makeDelete() {
     auto* button = new QToolButton;
@@ -62,14 +63,14 @@ CategoryHeader::CategoryHeader(AppModel& model, const Category& category)
     row->setContentsMargins(0, 0, 2, 0);
     row->setSpacing(0);
     row->addWidget(m_mark);
-    row->addSpacing(gap);
+    row->addSpacing(gap - textIndent);
     row->addWidget(m_name, 1);
     row->addSpacing(gap - ColorChoice::bleed);
     row->addWidget(m_color);
     row->addSpacing(gap + 4 - ColorChoice::bleed);
     row->addWidget(m_delete);
     refresh();
-    connect(m_name, &QLineEdit::textEdited, this, &CategoryHeader::storeName);
+    connect(m_name, &NameField::edited, this, &CategoryHeader::storeName);
     connect(m_color, &ColorChoice::hexChosen, this, &CategoryHeader::storeColor);
     connect(m_delete, &QToolButton::clicked, this, &CategoryHeader::deleteAsked);
 }

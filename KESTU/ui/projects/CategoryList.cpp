@@ -23,9 +23,11 @@ QWidget* makeEmptyState(CategoryKind kind) {
 
 } // namespace
 
-CategoryList::CategoryList(AppModel& model, CategoryKind kind)
-    : m_model(model)
+CategoryList::CategoryList(AppModel& model, CategoryKind kind, QWidget* before, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
     , m_kind(kind)
+    , m_before(before)
     , m_empty(makeEmptyState(kind)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -45,7 +47,7 @@ CategoryList::CategoryList(AppModel& model, CategoryKind kind)
 void CategoryList::refreshCategories() {
     const auto make = [this](const Category& category) { return new CategoryCard(m_model, category); };
     if (syncRows(*m_column, m_cards, categoriesOf(m_model, m_kind), make)) {
-        QWidget* last = this;
+        QWidget* last = m_before;
         for (CategoryCard* card : m_cards) {
             last = card->chainAfter(last);
         }
@@ -75,7 +77,7 @@ void CategoryList::fillBetween(int top, int bottom) {
         }
         const int end = y + card->minimumHeight();
         if (end >= top && !card->isFilled()) {
-            card->fill();
+            fill(*card);
         }
         y = end + cardGap;
     }
@@ -84,10 +86,22 @@ void CategoryList::fillBetween(int top, int bottom) {
     }
 }
 
+void CategoryList::fill(CategoryCard& card) {
+    card.fill();
+    const CategoryCard* above = nullptr;
+    for (const CategoryCard* other : m_cards) {
+        if (other == &card) {
+            break;
+        }
+        above = other->isFilled() ? other : above;
+    }
+    card.chainAfter(above ? above->lastStopAfter(m_before) : m_before);
+}
+
 void CategoryList::fillNext() {
     for (CategoryCard* card : m_cards) {
         if (!card->isFilled()) {
-            card->fill();
+            fill(*card);
             return;
         }
     }

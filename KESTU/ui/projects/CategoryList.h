@@ -22,7 +22,8 @@ class CategoryList final : public QWidget {
     Q_OBJECT
 
 public:
-    CategoryList(AppModel& model, CategoryKind kind);
+    /// Tab goes on from `before`, in the same window as `parent`, to the first card.
+    CategoryList(AppModel& model, CategoryKind kind, QWidget* before, QWidget* parent);
 
     /// Fills the cards between two heights of this widget, so that nobody sees an empty one.
     void fillBetween(int top, int bottom);
@@ -34,10 +35,12 @@ protected:
 private:
     void refreshCategories();
     void refreshRules();
+    void fill(CategoryCard& card);
     void fillNext();
 
     AppModel& m_model;
     CategoryKind m_kind;
+    QWidget* m_before;
     QWidget* m_empty;
     QVBoxLayout* m_column;
     std::vector<CategoryCard*> m_cards;

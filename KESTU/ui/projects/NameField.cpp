@@ -5,6 +5,9 @@
 #include "ui/theme/KestuStyle.h"
 
 #include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFrame>
 #include <QToolTip>
 
 namespace kestu {
@@ -15,6 +18,7 @@ NameField::NameField(QWidget* parent)
     setFont(fontOf(TextStyle::headline));
     setPlaceholderText(QStringLiteral("名前"));
     setAccessibleName(placeholderText());
+    connect(this, &QLineEdit::textEdited, this, &NameField::report);
 }
 
 void NameField::setStored(const QString& name) {
@@ -28,16 +32,43 @@ void NameField::setStored(const QString& name) {
 void NameField::follow() {
     if (text() != m_stored) {
         setText(m_stored);
-        setCursorPosition(0); // the beginning is what tells names apart
     }
+}
+
+/// Composing begins with removing the selection, which alone is nothing that the user wants stored.
+void NameField::report() {
+    m_isUntold = m_isComposing;
+    if (!m_isComposing) {
+        Q_EMIT edited(text());
+    }
+}
+
+void NameField::inputMethodEvent(QInputMethodEvent* event) {
+    m_isComposing = !event->preeditString().isEmpty();
+    QLineEdit::inputMethodEvent(event);
+    if (m_isUntold && !m_isComposing) {
+        report();
+    }
+}
+
+QRect NameField::textBox(const QStyleOptionFrame& option) const {
+    constexpr int itsOwnMargin = 2;
+    return style()
+        ->subElementRect(QStyle::SE_LineEditContents, &option, this)
+        .adjusted(itsOwnMargin, 0, -itsOwnMargin, 0);
+}
+
+bool NameField::overflows() const {
+    QStyleOptionFrame option;
+    initStyleOption(&option);
+    return widthOf(text(), font()) > textBox(option).width();
 }
 
 bool NameField::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) {
         return QLineEdit::event(event);
     }
-    const int free = contentsRect().width() - widthOf(text(), font());
-    const QString tip = free < 0 ? toolTipOf(text()) : QString();
+    const QString tip = overflows() ? toolTipOf(text()) : QString();
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this);
     return true;
 }
@@ -47,6 +78,22 @@ void NameField::focusOutEvent(QFocusEvent* event) {
     if (event->reason() != Qt::PopupFocusReason) {
         follow();
     }
+}
+
+/// Whoever only reads sees where a long name begins, and that it goes on.
+void NameField::paintEvent(QPaintEvent* event) {
+    if (hasFocus() || !overflows()) {
+        QLineEdit::paintEvent(event);
+        return;
+    }
+    QStyleOptionFrame option;
+    initStyleOption(&option);
+    const QRect box = textBox(option);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
+    painter.setPen(option.palette.color(QPalette::Text));
+    painter.drawText(box, Qt::AlignLeft | Qt::AlignVCenter,
+                     elided(text(), font(), Qt::ElideRight, box.width()));
 }
 
 } // namespace kestu

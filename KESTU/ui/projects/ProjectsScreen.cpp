@@ -7,6 +7,7 @@
 #include "ui/controls/TextLabel.h"
 #include "ui/projects/AddCategoryRow.h"
 #include "ui/projects/CategoryList.h"
+#include "ui/projects/RowSync.h"
 #include "ui/projects/SuggestionsSection.h"
 
 #include <QHideEvent>
@@ -87,7 +88,7 @@ QWidget* ProjectsScreen::makeColumn() {
 CategoryList* ProjectsScreen::list(CategoryKind kind) {
     CategoryList*& list = m_lists.at(static_cast<std::size_t>(kind));
     if (!list) {
-        list = new CategoryList(m_model, kind);
+        list = new CategoryList(m_model, kind, stopsIn(*m_add).back(), m_add->parentWidget());
         m_column->insertWidget(m_column->count() - 1, list);
     }
     return list;

@@ -14,8 +14,8 @@
 
 namespace kestu {
 
-/// A row has id() and setRecord(value). Its place in `layout` is that of its value. Returns whether a row came,
-/// went or moved.
+/// A row has id() and setRecord(value). Its place in `layout` is that of its value. Returns whether a row
+/// came, went or moved.
 template<typename Row, typename Value, typename Make>
 bool syncRows(QBoxLayout& layout, std::vector<Row*>& rows, const std::vector<Value>& values, Make make) {
     QHash<RowId, Row*> left;
@@ -51,13 +51,22 @@ bool syncRows(QBoxLayout& layout, std::vector<Row*>& rows, const std::vector<Val
     return true;
 }
 
-/// Puts what Tab reaches within `box` behind `previous`; returns the last of it.
-inline QWidget* chainStops(QWidget* previous, const QWidget& box) {
-    for (QWidget* stop : box.findChildren<QWidget*>()) {
-        if (stop->focusPolicy() & Qt::TabFocus && stop->window() == box.window()) {
-            QWidget::setTabOrder(previous, stop);
-            previous = stop;
+/// What Tab reaches within `box`, in the order in which it was made.
+[[nodiscard]] inline std::vector<QWidget*> stopsIn(const QWidget& box) {
+    std::vector<QWidget*> stops;
+    for (QWidget* widget : box.findChildren<QWidget*>()) {
+        if (widget->focusPolicy() & Qt::TabFocus && widget->window() == box.window()) {
+            stops.push_back(widget); // not what is within an open menu
         }
+    }
+    return stops;
+}
+
+/// Puts the stops of `box` behind `previous`; returns the last one.
+inline QWidget* chainStops(QWidget* previous, const QWidget& box) {
+    for (QWidget* stop : stopsIn(box)) {
+        QWidget::setTabOrder(previous, stop);
+        previous = stop;
     }
     return previous;
 }

@@ -16,6 +16,14 @@
 namespace kestu {
 namespace {
 
+constexpr int padding = 11; // the hairline included
+constexpr int leastText = 140;
+
+/// However long the other one is.
+void keepReadable(QWidget& text) {
+    text.setMinimumWidth(std::min(text.sizeHint().width(), leastText));
+}
+
 TextLabel* secondary(const QString& text = {}) {
     return new TextLabel(text, TextStyle::callout, ink::secondary);
 }
@@ -41,7 +49,7 @@ SuggestionRow::SuggestionRow(AppModel& model, const RuleSuggestion& suggestion)
     texts->addWidget(m_reason);
     texts->addWidget(m_impact);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(10, 10, 10, 10);
+    row->setContentsMargins(padding, padding, padding, padding);
     row->setSpacing(12);
     row->addLayout(texts, 1);
     row->addLayout(makeButtons());
@@ -99,6 +107,8 @@ void SuggestionRow::refresh() {
     m_kind->setIcon(m_suggestion.kind == CategoryKind::tag ? QStringLiteral("tag") : QStringLiteral("folder"),
                     &Colors::textSecondary);
     m_target->setText(m_suggestion.targetName);
+    keepReadable(*m_value);
+    keepReadable(*m_target);
     m_reason->setText(m_suggestion.reason);
     m_reason->setVisible(!m_suggestion.reason.isEmpty());
     const QString sentence = sentenceOf(m_suggestion.field, m_suggestion.op, m_suggestion.value) +

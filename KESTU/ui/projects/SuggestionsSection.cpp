@@ -18,7 +18,7 @@
 namespace kestu {
 namespace {
 
-constexpr int padding = 14;
+constexpr int padding = 15; // the hairline included
 constexpr int gap = 10;
 
 template<typename Records>
