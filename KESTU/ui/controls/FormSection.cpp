@@ -13,6 +13,7 @@ constexpr int partGap = 6;
 constexpr int rowPadding = 14;
 constexpr int rowHeight = 44;
 constexpr int labelWidth = 92;
+constexpr int cardEdge = 1;
 
 /// Paints the hairline above itself, so that rows may come and go without a look at their neighbours.
 class FormRow final : public QWidget {
@@ -21,7 +22,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override {
-        if (y() > 0) {
+        if (y() > cardEdge) {
             const QRect line(rowPadding, 0, width() - rowPadding, 1);
             QPainter(this).fillRect(line, colorsOf(palette()).divider);
         }
@@ -40,7 +41,7 @@ FormSection::FormSection(const QString& title, Card::Kind card, QWidget* parent)
     heading->setContentsMargins(2, 0, 2, 0);
     auto* rows = new Card(card);
     m_rows = new QVBoxLayout(rows);
-    m_rows->setContentsMargins(0, 0, 0, 0);
+    m_rows->setContentsMargins(cardEdge, cardEdge, cardEdge, cardEdge);
     m_rows->setSpacing(0);
     m_column->addWidget(heading);
     m_column->addWidget(rows);

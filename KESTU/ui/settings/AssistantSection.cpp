@@ -25,6 +25,7 @@ TextLabel* paragraph(const QString& text, TextStyle style, QPalette::ColorRole c
 TextLabel* makePath(const QString& path) {
     auto* label = new TextLabel(path, TextStyle::caption, ink::secondary, Overflow::elideMiddle);
     label->setFont(monospaced(label->font()));
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     label->setCopyable(true);
     return label;
 }
