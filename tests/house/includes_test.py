@@ -23,6 +23,7 @@ FLOORS = {
     # The screens read records and figures; the store, the tracker and the system they never see.
     "ui/theme": [],
     "ui/controls": ["ui/theme"],
+    "ui/settings": ["base", "app", "ui/theme", "ui/controls"],
     "ui": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls"],
 }
 # Who may include which header of the system.
