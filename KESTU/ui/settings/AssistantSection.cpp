@@ -54,7 +54,7 @@ AssistantSection::AssistantSection(const AppModel& model)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(section);
-    showCopied(nullptr);
+    showCopied(std::nullopt);
 }
 
 QWidget* AssistantSection::makeButtons(const QString& server) {
@@ -68,26 +68,26 @@ QWidget* AssistantSection::makeButtons(const QString& server) {
     }
     layout->addStretch(1);
     connect(m_command, &QPushButton::clicked, this,
-            [this, server] { copy(registrationCommand(server), m_command); });
-    connect(m_json, &QPushButton::clicked, this, [this, server] { copy(registrationJson(server), m_json); });
+            [this, server] { copy(Snippet::command, registrationCommand(server)); });
+    connect(m_json, &QPushButton::clicked, this,
+            [this, server] { copy(Snippet::json, registrationJson(server)); });
     return row;
 }
 
-void AssistantSection::copy(const QString& snippet, const QPushButton* button) {
-    QGuiApplication::clipboard()->setText(snippet);
-    showCopied(button);
+void AssistantSection::copy(Snippet snippet, const QString& text) {
+    QGuiApplication::clipboard()->setText(text);
+    showCopied(snippet);
 }
 
-/// None says so when `button` is null.
-void AssistantSection::showCopied(const QPushButton* button) {
-    const QString copied = QStringLiteral("コピーしました");
-    m_command->setText(button == m_command ? copied : QStringLiteral("Claude Code に登録するコマンド"));
-    m_json->setText(button == m_json ? copied : QStringLiteral("Claude デスクトップの設定（JSON）"));
+void AssistantSection::showCopied(std::optional<Snippet> copied) {
+    const QString done = QStringLiteral("コピーしました");
+    m_command->setText(copied == Snippet::command ? done : QStringLiteral("Claude Code に登録するコマンド"));
+    m_json->setText(copied == Snippet::json ? done : QStringLiteral("Claude デスクトップの設定（JSON）"));
 }
 
 void AssistantSection::hideEvent(QHideEvent* event) {
     if (!event->spontaneous()) { // which a minimised window's would be
-        showCopied(nullptr);
+        showCopied(std::nullopt);
     }
     QWidget::hideEvent(event);
 }

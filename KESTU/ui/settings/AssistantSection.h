@@ -6,6 +6,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 class QPushButton;
 
 namespace kestu {
@@ -22,9 +24,11 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    enum class Snippet { command, json };
+
     [[nodiscard]] QWidget* makeButtons(const QString& server);
-    void copy(const QString& snippet, const QPushButton* button);
-    void showCopied(const QPushButton* button);
+    void copy(Snippet snippet, const QString& text);
+    void showCopied(std::optional<Snippet> copied);
 
     QPushButton* m_command;
     QPushButton* m_json;

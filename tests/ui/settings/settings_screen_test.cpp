@@ -202,7 +202,7 @@ TEST_F(SettingsScreenTest, ThePermissionAndTheFolderAreThoseThatHold) {
     EXPECT_FALSE(test::isShown(u"許可済み"_s));
     click(u"システム設定を開く"_s);
     EXPECT_EQ(platform.fakeAccessibility.settingsOpened, 1);
-    const QString folder = QFileInfo(store.path).absolutePath();
+    const QString folder = QFileInfo(store.path).canonicalPath();
     EXPECT_TRUE(test::isShown(folder));
     click(u"保存場所を開く"_s);
     EXPECT_EQ(platform.fakeOpener.folders, QStringList(folder));
