@@ -10,6 +10,8 @@
 #include "ui/WelcomeSheet.h"
 #include "ui/controls/Alert.h"
 #include "ui/controls/Surfaces.h"
+#include "ui/projects/ProjectsScreen.h"
+#include "ui/settings/SettingsScreen.h"
 #include "ui/timeline/TimelineScreen.h"
 
 #include <QCloseEvent>
@@ -101,8 +103,15 @@ void MainWindow::showWelcome() {
 }
 
 QWidget* MainWindow::makeScreen(SidebarItem item) {
-    if (item == SidebarItem::timeline) {
+    switch (item) {
+    case SidebarItem::timeline:
         return new TimelineScreen(m_model);
+    case SidebarItem::projects:
+        return new ProjectsScreen(m_model);
+    case SidebarItem::settings:
+        return new SettingsScreen(m_model);
+    case SidebarItem::report:
+        break;
     }
     return new PlaceholderScreen(sidebarEntries[static_cast<size_t>(item)]);
 }

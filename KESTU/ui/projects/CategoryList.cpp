@@ -2,7 +2,7 @@
 #include "ui/projects/CategoryList.h"
 
 #include "app/AppModel.h"
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/projects/CategoryCard.h"
 #include "ui/projects/RowSync.h"

@@ -2,7 +2,7 @@
 #include "ui/projects/ProjectsScreen.h"
 
 #include "app/AppModel.h"
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 #include "ui/controls/SegmentedPicker.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/projects/AddCategoryRow.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/projects/RulePickers.h"
 
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 
 #include <QWheelEvent>
 

@@ -2,7 +2,7 @@
 #include "ui/projects/RuleRow.h"
 
 #include "app/AppModel.h"
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 #include "ui/controls/Badge.h"
 #include "ui/controls/IconButton.h"
 #include "ui/projects/RulePickers.h"

@@ -3,7 +3,7 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 #include "ui/controls/Badge.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/Surfaces.h"

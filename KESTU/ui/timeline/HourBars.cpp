@@ -2,7 +2,7 @@
 #include "ui/timeline/HourBars.h"
 
 #include "app/AppModel.h"
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 #include "ui/controls/Painted.h"
 #include "ui/theme/Strokes.h"
 #include "ui/timeline/DayDrafts.h"

@@ -2,7 +2,7 @@
 #include "ui/timeline/SliceTexts.h"
 
 #include "app/AppModel.h"
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 
 #include <QStringList>
 

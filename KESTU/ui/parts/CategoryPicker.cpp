@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/timeline/CategoryPicker.h"
+#include "ui/parts/CategoryPicker.h"
 
 #include "app/AppModel.h"
 

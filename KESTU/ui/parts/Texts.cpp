@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/Texts.h"
+#include "ui/parts/Texts.h"
 
 #include "app/AppModel.h"
 #include "ui/theme/Theme.h"
