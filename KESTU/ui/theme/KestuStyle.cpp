@@ -195,8 +195,6 @@ int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_ComboBox_Popup: // the list of a picker is a menu
     case SH_ComboBox_ListMouseTracking:
         return 1;
-    case SH_ComboBox_AllowWheelScrolling: // the wheel scrolls what the picker stands in
-        return 0;
     case SH_Menu_Mask:
     case SH_ToolTip_Mask:
         if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(result); mask && widget) {
@@ -259,6 +257,12 @@ bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::PaletteChange:
         if (widget && (qobject_cast<QLineEdit*>(widget) || isEditor(widget))) {
             inkField(*widget);
+        }
+        break;
+    case QEvent::Wheel:
+        if (qobject_cast<QComboBox*>(watched)) {
+            event->ignore(); // it scrolls what the picker stands in, and chooses nothing on its way
+            return true;
         }
         break;
     default:

@@ -20,7 +20,6 @@ namespace {
 
 constexpr int gap = 8;
 constexpr int longestTitle = 3; // lines
-constexpr int overhang = 6;     // a borderless text begins where the texts above it do
 
 /// The project that the rules alone give.
 std::optional<ProjectId> projectByRules(Activity activity, const std::vector<Rule>& rules) {
@@ -64,6 +63,28 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(gap);
     column->addLayout(makeHeader());
+    column->addLayout(makeBody());
+    column->addLayout(makeButtons());
+    connect(&m_model, &AppModel::projectsChanged, this, &ActivityDetail::showProject);
+    connect(&m_model, &AppModel::rulesChanged, this, &ActivityDetail::showProject);
+    connect(&m_model, &AppModel::tagsChanged, this, &ActivityDetail::showTags);
+}
+
+QLayout* ActivityDetail::makeHeader() {
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(leftOverhang, 0, 0, 0);
+    row->setSpacing(gap);
+    row->addWidget(m_heading, 1);
+    auto* close = new IconButton(QStringLiteral("xmark"), QStringLiteral("閉じる"));
+    row->addWidget(close);
+    connect(close, &QAbstractButton::clicked, this, [this] { m_model.setSelectedActivityId(std::nullopt); });
+    return row;
+}
+
+QLayout* ActivityDetail::makeBody() {
+    auto* column = new QVBoxLayout;
+    column->setContentsMargins(leftOverhang, 0, rightOverhang, 0);
+    column->setSpacing(gap);
     column->addLayout(makeTexts());
     column->addLayout(makeProject());
     column->addWidget(new TextLabel(QStringLiteral("ここで選ぶと、この区間だけルールより優先されます。"),
@@ -73,21 +94,7 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
     tags->setContentsMargins(0, 4, 0, 0);
     column->addWidget(tags);
     column->addWidget(m_tags);
-    column->addLayout(makeButtons());
-    connect(&m_model, &AppModel::projectsChanged, this, &ActivityDetail::showProject);
-    connect(&m_model, &AppModel::rulesChanged, this, &ActivityDetail::showProject);
-    connect(&m_model, &AppModel::tagsChanged, this, &ActivityDetail::showTags);
-}
-
-QLayout* ActivityDetail::makeHeader() {
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, -4, 0); // the cross ends where the texts do
-    row->setSpacing(gap);
-    row->addWidget(m_heading, 1);
-    auto* close = new IconButton(QStringLiteral("xmark"), QStringLiteral("閉じる"));
-    row->addWidget(close);
-    connect(close, &QAbstractButton::clicked, this, [this] { m_model.setSelectedActivityId(std::nullopt); });
-    return row;
+    return column;
 }
 
 QLayout* ActivityDetail::makeTexts() {
@@ -115,8 +122,7 @@ QLayout* ActivityDetail::makeProject() {
 
 QLayout* ActivityDetail::makeButtons() {
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(-overhang, 0, 0, 0);
-    row->setSpacing(overhang);
+    row->setSpacing(leftOverhang);
     auto* remove = makeBorderless(QStringLiteral("この区間を削除"));
     setRole(remove, ButtonRole::destructive);
     row->addWidget(m_edit);

@@ -24,6 +24,11 @@ class ActivityDetail final : public QWidget {
     Q_OBJECT
 
 public:
+    /// It is wider than its texts: at the left by the padding of the buttons below, at the right by that of
+    /// the cross, so that they stand in line.
+    static constexpr int leftOverhang = 6;
+    static constexpr int rightOverhang = 4;
+
     explicit ActivityDetail(AppModel& model, QWidget* parent = nullptr);
 
     void setItem(const ResolvedActivity& item);
@@ -33,6 +38,7 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] QLayout* makeHeader();
+    [[nodiscard]] QLayout* makeBody();
     [[nodiscard]] QLayout* makeTexts();
     [[nodiscard]] QLayout* makeProject();
     [[nodiscard]] QLayout* makeButtons();

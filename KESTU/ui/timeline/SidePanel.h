@@ -25,6 +25,7 @@ public:
 
 private:
     [[nodiscard]] QVBoxLayout* makeColumn();
+    void fill(QVBoxLayout& column);
     void showSelected();
     void showDividers();
     void orderTabs();
