@@ -9,6 +9,7 @@
 #include "support/TemporaryStore.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TagChip.h"
+#include "ui/timeline/RuleSheet.h"
 #include "ui/timeline/SidePanel.h"
 
 #include <QAbstractItemView>
@@ -226,6 +227,25 @@ TEST_F(SidePanelTest, SaysWhyNothingIsUnassigned) {
     const auto dividers = panel->findChildren<Divider*>();
     EXPECT_FALSE(
         std::any_of(dividers.begin(), dividers.end(), [](Divider* each) { return each->isVisible(); }));
+}
+
+TEST_F(SidePanelTest, SortsAGroupAndGoesOnToTheNext) {
+    test::fillSampleDay(*store.repository);
+    open();
+    QPointer<QPushButton> mail = button(u"振り分ける…"_s, u"メール"_s);
+    mail->setFocus();
+    mail->click();
+    auto* sheet = window.findChild<RuleSheet*>();
+    ASSERT_TRUE(sheet && sheet->isPresented());
+    for (auto* each : sheet->findChildren<QPushButton*>()) {
+        if (each->text() == u"保存"_s) {
+            each->click();
+        }
+    }
+    EXPECT_EQ(store.dump(u"SELECT project_id, value FROM rule"_s, 2), "1|メール");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(mail);
+    EXPECT_EQ(window.focusWidget(), button(u"振り分ける…"_s, u"Slack"_s));
 }
 
 TEST_F(SidePanelTest, KeepsWhatTheUserIsAtThroughAReload) {
