@@ -136,6 +136,9 @@ public:
 
     // Entries. Every write ends with a full reload, and a failure becomes the error message.
 
+    /// Sets the draft that corrects an entry made by hand. It has the stored times, also where the day shows
+    /// only a part of them.
+    void correctEntry(const Activity& shown);
     void saveManualDraft(const ManualDraft& draft);
     void deleteActivity(ActivityId id);
     void assignProject(std::optional<ProjectId> projectId, std::span<const ActivityId> ids);
@@ -169,8 +172,9 @@ public:
     void acceptSuggestion(SuggestionId id);
     void dismissSuggestion(SuggestionId id);
 
-    /// An empty text clears the selected day's note.
-    void saveDayNote(const QString& text);
+    /// For the day of that key, for the selected one may change while its note is written. An empty text
+    /// clears the note. False after a failure.
+    bool saveDayNote(const QString& day, const QString& text);
 
 Q_SIGNALS:
     void userPausedChanged();

@@ -63,6 +63,24 @@ void AppModel::restartSession() {
     assign(m_currentSample, m_tracker.current(), &AppModel::currentSampleChanged);
 }
 
+void AppModel::correctEntry(const Activity& shown) {
+    Activity stored = shown;
+    const bool isRead = attempt([&](Repository& repository) {
+        for (const Activity& activity : repository.activitiesOverlapping(shown.start, shown.end)) {
+            stored = activity.id == shown.id ? activity : stored;
+        }
+    });
+    report(Source::action, std::nullopt);
+    if (isRead) {
+        setManualDraft(ManualDraft{.start = stored.start,
+                                   .end = stored.end,
+                                   .editingId = stored.id,
+                                   .title = stored.title,
+                                   .projectId = stored.projectId,
+                                   .tagIds = stored.tagIds});
+    }
+}
+
 void AppModel::deleteActivity(ActivityId id) {
     if (m_selectedActivityId == id) {
         setSelectedActivityId(std::nullopt);
@@ -159,9 +177,8 @@ void AppModel::dismissSuggestion(SuggestionId id) {
     write([&](Repository& repository) { repository.deleteSuggestion(id); });
 }
 
-void AppModel::saveDayNote(const QString& text) {
-    const QString day = dayKey(m_selectedDay, calendar());
-    write([&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
+bool AppModel::saveDayNote(const QString& day, const QString& text) {
+    return write([&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
 }
 
 } // namespace kestu

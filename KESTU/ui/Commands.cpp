@@ -18,6 +18,7 @@ Commands::Commands(AppModel& model)
     , m_terms(QStringLiteral("利用規約"))
     , m_quit(QStringLiteral("終了")) {
     m_help.setShortcut(QKeySequence(Qt::Key_F1));
+    m_quit.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     m_newVersion.setVisible(false);
     connect(&m_toggleTracking, &QAction::triggered, &m_model, &AppModel::toggleTracking);
     connect(&m_open, &QAction::triggered, this, &Commands::open);

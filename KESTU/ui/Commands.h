@@ -27,6 +27,7 @@ public:
     void fillStatusMenu(QMenu& menu);
 
     [[nodiscard]] QAction& help() { return m_help; }
+    [[nodiscard]] QAction& quitAction() { return m_quit; }
 
     /// A newer version was found; it is named in the menus from then on.
     void offerVersion(const QString& version);

@@ -10,8 +10,10 @@
 #include "ui/WelcomeSheet.h"
 #include "ui/controls/Alert.h"
 #include "ui/controls/Surfaces.h"
+#include "ui/timeline/TimelineScreen.h"
 
 #include <QCloseEvent>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -41,7 +43,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     , m_screens(new QStackedWidget) {
     setMinimumSize(minimumContent);
     resize(defaultContent);
-    addAction(&commands.help());
+    addActions({&commands.help(), &commands.quitAction()});
 
     auto* columns = tight<QHBoxLayout>(m_content);
     columns->addWidget(m_sidebar);
@@ -53,6 +55,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     connect(&m_model, &AppModel::accessibilityGrantedChanged, this, &MainWindow::refreshBanner);
     connect(&m_model, &AppModel::errorMessageChanged, this, &MainWindow::refreshError);
     connect(&m_model, &AppModel::manualDraftChanged, this, &MainWindow::refreshManualEntry);
+    addShortcuts();
     refreshScreen();
     refreshBanner();
     m_sidebar->screenList()->setFocus();
@@ -76,6 +79,19 @@ QWidget* MainWindow::makeDetail() {
     return detail;
 }
 
+/// They belong to the content, so that they rest while a sheet covers it.
+void MainWindow::addShortcuts() {
+    const auto add = [this](const QKeySequence& keys, SidebarItem item) {
+        connect(new QShortcut(keys, m_content), &QShortcut::activated, this,
+                [this, item] { m_model.setScreen(item); });
+    };
+    int key = Qt::Key_1;
+    for (const SidebarEntry& entry : sidebarEntries) {
+        add(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)), entry.item);
+    }
+    add(QKeySequence(Qt::CTRL | Qt::Key_Comma), SidebarItem::settings);
+}
+
 void MainWindow::showMessage(const QString& title, const QString& text) {
     Alert::tell(this, title, text);
 }
@@ -84,11 +100,18 @@ void MainWindow::showWelcome() {
     (new WelcomeSheet(this, m_model))->present();
 }
 
+QWidget* MainWindow::makeScreen(SidebarItem item) {
+    if (item == SidebarItem::timeline) {
+        return new TimelineScreen(m_model);
+    }
+    return new PlaceholderScreen(sidebarEntries[static_cast<size_t>(item)]);
+}
+
 void MainWindow::refreshScreen() {
     const auto index = static_cast<size_t>(m_model.screen());
     QWidget*& screen = m_screenOf[index];
     if (!screen) {
-        screen = new PlaceholderScreen(sidebarEntries[index]);
+        screen = makeScreen(m_model.screen());
         m_screens->addWidget(screen);
     }
     m_screens->setCurrentWidget(screen);

@@ -42,6 +42,8 @@ protected:
 
 private:
     [[nodiscard]] QWidget* makeDetail();
+    [[nodiscard]] QWidget* makeScreen(SidebarItem item);
+    void addShortcuts();
     void showWelcome();
     void refreshScreen();
     void refreshBanner();

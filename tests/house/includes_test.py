@@ -23,7 +23,8 @@ FLOORS = {
     # The screens read records and figures; the store, the tracker and the system they never see.
     "ui/theme": [],
     "ui/controls": ["ui/theme"],
-    "ui": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls"],
+    "ui": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls", "ui/timeline"],
+    "ui/timeline": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls", "ui"],
 }
 # Who may include which header of the system.
 SYSTEM = [

@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QDir>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -26,6 +27,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr QSize sizes[] = {{900, 560}, {1100, 720}};
+constexpr QSize large{1920, 1200};
 
 void save(QWidget& widget, const QDir& folder, const QString& name) {
     widget.show();
@@ -56,16 +58,33 @@ public:
         model.loadSettings();
         model.start();
         Commands commands(model);
+        renderTimeline(model, commands);
         renderScreens(model, commands);
         render(std::make_unique<MenuBarView>(model, commands), u"panel"_s);
         renderStates(model, commands);
     }
 
 private:
+    void renderTimeline(AppModel& model, Commands& commands) {
+        const auto& items = model.dayItems();
+        const auto notes = std::find_if(items.begin(), items.end(), [](const ResolvedActivity& item) {
+            return item.activity.title == QString::fromUtf16(test::sample::meetingNotes);
+        });
+        model.setSelectedActivityId(notes->activity.id);
+        renderWindow(model, commands, u"timeline"_s);
+        renderWindow(model, commands, u"timeline"_s, large);
+        model.setSelectedActivityId(std::nullopt);
+        model.shiftDay(-1);
+        renderWindow(model, commands, u"timeline-empty"_s);
+        model.goToToday();
+    }
+
     void renderScreens(AppModel& model, Commands& commands) {
         for (const SidebarEntry& entry : sidebarEntries) {
-            model.setScreen(entry.item);
-            renderWindow(model, commands, entry.raw.toString());
+            if (entry.item != SidebarItem::timeline) {
+                model.setScreen(entry.item);
+                renderWindow(model, commands, entry.raw.toString());
+            }
         }
         model.setScreen(SidebarItem::timeline);
     }
@@ -94,10 +113,14 @@ private:
 
     void renderWindow(AppModel& model, Commands& commands, const QString& name) {
         for (const QSize& size : sizes) {
-            auto window = std::make_unique<MainWindow>(model, commands);
-            window->resize(size);
-            render(std::move(window), u"%1-%2x%3"_s.arg(name).arg(size.width()).arg(size.height()));
+            renderWindow(model, commands, name, size);
         }
+    }
+
+    void renderWindow(AppModel& model, Commands& commands, const QString& name, const QSize& size) {
+        auto window = std::make_unique<MainWindow>(model, commands);
+        window->resize(size);
+        render(std::move(window), u"%1-%2x%3"_s.arg(name).arg(size.width()).arg(size.height()));
     }
 
     void render(std::unique_ptr<QWidget> widget, const QString& name) {

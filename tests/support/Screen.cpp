@@ -43,8 +43,18 @@ QAccessibleInterface* findShown(const Condition& isWanted) {
     return nullptr;
 }
 
+/// A picker reports its choice as its name; it is known by its label.
+QString nameOf(const QAccessibleInterface& control) {
+    if (control.role() == QAccessible::ComboBox) {
+        for (const auto& [target, relation] : control.relations(QAccessible::Label)) {
+            return target->text(QAccessible::Name);
+        }
+    }
+    return control.text(QAccessible::Name);
+}
+
 bool isNamed(const QAccessibleInterface& control, const QString& name, QAccessible::Role role) {
-    return control.text(QAccessible::Name) == name && (role == QAccessible::NoRole || control.role() == role);
+    return nameOf(control) == name && (role == QAccessible::NoRole || control.role() == role);
 }
 
 } // namespace

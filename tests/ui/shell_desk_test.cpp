@@ -288,6 +288,18 @@ TEST_F(ShellTest, BeginsOnTheNamedScreenAndFollowsTheSidebar) {
     pressKey(u"Up"_s);
     EXPECT_EQ(model->screen(), SidebarItem::report);
     EXPECT_EQ(shell->window()->windowTitle(), u"KESTU"_s);
+    const std::pair<QString, SidebarItem> keys[] = {{u"ctrl+1"_s, SidebarItem::timeline},
+                                                    {u"ctrl+3"_s, SidebarItem::projects},
+                                                    {u"ctrl+2"_s, SidebarItem::report},
+                                                    {u"ctrl+comma"_s, SidebarItem::settings},
+                                                    {u"ctrl+4"_s, SidebarItem::settings}};
+    for (const auto& [key, screen] : keys) {
+        pressKey(key);
+        EXPECT_EQ(model->screen(), screen) << key.toStdString();
+    }
+    model->setErrorMessage(u"x"_s);
+    pressKey(u"ctrl+1"_s);
+    EXPECT_EQ(model->screen(), SidebarItem::settings) << "not beneath an alert";
 }
 
 TEST_F(ShellTest, IsReachableByKeyboardInTheOrderOfTheEye) {

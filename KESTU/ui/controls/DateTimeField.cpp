@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/DateTimeField.h"
 
+#include "ui/controls/CalendarPopup.h"
 #include "ui/theme/Icons.h"
 #include "ui/theme/KestuStyle.h"
 
-#include <QCalendarWidget>
+#include <QFocusEvent>
 #include <QLocale>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 namespace kestu {
 namespace {
@@ -53,25 +53,16 @@ void DateTimeField::resizeEvent(QResizeEvent* event) {
 }
 
 void DateTimeField::showCalendar() {
-    auto* popup = new QWidget(this, Qt::Popup);
-    popup->setAttribute(Qt::WA_DeleteOnClose);
-    auto* calendar = new QCalendarWidget;
-    calendar->setLocale(locale());
-    calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
-    calendar->setMinimumDate(minimumDate());
-    calendar->setSelectedDate(date());
-    auto* layout = new QVBoxLayout(popup);
-    layout->setContentsMargins(1, 1, 1, 1);
-    layout->addWidget(calendar);
-    const auto choose = [this, popup](QDate day) {
-        setDate(day);
-        popup->close();
-    };
-    connect(calendar, &QCalendarWidget::clicked, this, choose);
-    connect(calendar, &QCalendarWidget::activated, this, choose);
-    popup->move(mapToGlobal(QPoint(width() - popup->sizeHint().width(), height() + 2)));
-    popup->show();
-    calendar->setFocus();
+    auto* popup = new CalendarPopup(date(), minimumDate(), this);
+    connect(popup, &CalendarPopup::chosen, this, &QDateTimeEdit::setDate);
+    popup->open();
+}
+
+void DateTimeField::focusInEvent(QFocusEvent* event) {
+    QDateTimeEdit::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::OtherFocusReason) {
+        setSelectedSection(QDateTimeEdit::HourSection); // seldom it is the year that is wrong
+    }
 }
 
 } // namespace kestu

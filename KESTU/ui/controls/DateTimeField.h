@@ -23,6 +23,7 @@ Q_SIGNALS:
     void edited();
 
 protected:
+    void focusInEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:

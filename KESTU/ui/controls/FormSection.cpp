@@ -41,6 +41,7 @@ void FormSection::addRow(const QString& label, QWidget* control) {
     }
     auto* name = new TextLabel(label, TextStyle::callout);
     name->setMinimumWidth(labelWidth);
+    name->setBuddy(control); // a picker reports its choice as its name, and is known by its label
     QBoxLayout* row = startRow();
     row->addWidget(name);
     row->addWidget(control, 1, Qt::AlignRight | Qt::AlignVCenter);

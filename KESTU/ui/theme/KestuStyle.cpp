@@ -16,6 +16,7 @@
 #include <QScrollBar>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QTextFormat>
 
 #include <algorithm>
 
@@ -42,6 +43,10 @@ void drawFrame(QPainter& painter, const QStyleOption& option, const QWidget* wid
     } else {
         drawRing(painter, option.rect, 0, colorsOf(option.palette).divider, 1);
     }
+}
+
+bool isStepped(const QWidget& widget) {
+    return qobject_cast<const QComboBox*>(&widget) || qobject_cast<const QAbstractSpinBox*>(&widget);
 }
 
 } // namespace
@@ -203,6 +208,14 @@ int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
             return 1;
         }
         return 0;
+    case SH_TextControl_FocusIndicatorTextCharFormat: // around a link
+        if (auto* format = qstyleoption_cast<QStyleHintReturnVariant*>(result); format && option) {
+            QTextCharFormat ring;
+            ring.setProperty(QTextFormat::OutlinePen, QPen(colorsOf(option->palette).focus, 2));
+            format->variant = ring;
+            return 1;
+        }
+        return 0;
     case SH_ToolTipLabel_Opacity:
         return 255;
     case SH_Widget_Animation_Duration:
@@ -221,6 +234,9 @@ QPixmap KestuStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
 
 void KestuStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
+    if (isStepped(*widget) && widget->focusPolicy() == Qt::WheelFocus) {
+        widget->setFocusPolicy(Qt::StrongFocus); // else the wheel gives it the focus first
+    }
     if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget)) {
         widget->setAttribute(Qt::WA_Hover);
         widget->installEventFilter(this);
@@ -228,6 +244,8 @@ void KestuStyle::polish(QWidget* widget) {
         field->setAttribute(Qt::WA_Hover);
         field->installEventFilter(this);
         inkField(*field);
+    } else if (qobject_cast<QAbstractSpinBox*>(widget)) {
+        widget->installEventFilter(this);
     } else if (auto* editor = qobject_cast<QPlainTextEdit*>(widget)) {
         editor->setAttribute(Qt::WA_Hover);
         editor->installEventFilter(this);
@@ -247,6 +265,14 @@ void KestuStyle::polish(QWidget* widget) {
 bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
     auto* widget = qobject_cast<QWidget*>(watched);
     switch (event->type()) {
+    case QEvent::Wheel:
+        // Who scrolls must not change what happens to pass below the pointer; a picker keeps the focus after
+        // a choice, and is passed then, too.
+        if (widget && isStepped(*widget) && (!widget->hasFocus() || qobject_cast<QComboBox*>(widget))) {
+            event->ignore();
+            return true;
+        }
+        break;
     case QEvent::FocusIn:
         // Qt remembers for good that the keyboard once moved the focus; a click shall show no ring then.
         if (widget && static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason) {
@@ -257,12 +283,6 @@ bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::PaletteChange:
         if (widget && (qobject_cast<QLineEdit*>(widget) || isEditor(widget))) {
             inkField(*widget);
-        }
-        break;
-    case QEvent::Wheel:
-        if (qobject_cast<QComboBox*>(watched)) {
-            event->ignore(); // it scrolls what the picker stands in, and chooses nothing on its way
-            return true;
         }
         break;
     default:

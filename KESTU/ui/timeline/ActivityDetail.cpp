@@ -115,7 +115,9 @@ QLayout* ActivityDetail::makeProject() {
     row->setContentsMargins(0, 4, 0, 0);
     row->setSpacing(gap);
     m_project->setAccessibleName(QStringLiteral("プロジェクト"));
-    row->addWidget(new TextLabel(m_project->accessibleName()));
+    auto* label = new TextLabel(m_project->accessibleName());
+    label->setBuddy(m_project);
+    row->addWidget(label);
     row->addWidget(m_project, 1);
     connect(m_project, &QComboBox::activated, this, &ActivityDetail::chooseProject);
     return row;
@@ -129,7 +131,7 @@ QLayout* ActivityDetail::makeButtons() {
     row->addWidget(m_edit);
     row->addWidget(remove);
     row->addStretch();
-    connect(m_edit, &QPushButton::clicked, this, &ActivityDetail::edit);
+    connect(m_edit, &QPushButton::clicked, this, [this] { m_model.correctEntry(m_item->activity); });
     connect(remove, &QPushButton::clicked, this, [this] { m_model.deleteActivity(m_item->activity.id); });
     return row;
 }
@@ -219,16 +221,6 @@ void ActivityDetail::toggleTag(TagId id) {
     const Activity activity = m_item->activity;
     m_model.toggleTag(id, activity);
     showTags(); // as it was, if it could not be written
-}
-
-void ActivityDetail::edit() {
-    const Activity& activity = m_item->activity;
-    m_model.setManualDraft(ManualDraft{.start = activity.start,
-                                       .end = activity.end,
-                                       .editingId = activity.id,
-                                       .title = activity.title,
-                                       .projectId = activity.projectId,
-                                       .tagIds = activity.tagIds});
 }
 
 } // namespace kestu

@@ -50,7 +50,6 @@ private:
     [[nodiscard]] TagChip* makeChip(TagId id);
     void chooseProject();
     void toggleTag(TagId id);
-    void edit();
 
     AppModel& m_model;
     std::optional<ResolvedActivity> m_item;

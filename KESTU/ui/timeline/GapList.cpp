@@ -7,6 +7,7 @@
 #include "ui/Texts.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/theme/KestuStyle.h"
+#include "ui/timeline/DayDrafts.h"
 
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -14,7 +15,6 @@
 namespace kestu {
 namespace {
 
-constexpr Seconds shortestGap{300};
 constexpr int gap = 8;
 
 QVBoxLayout* columnIn(QWidget* owner) {
@@ -84,19 +84,13 @@ GapList::GapList(AppModel& model, QWidget* parent)
 
 GapRow* GapList::makeRow() {
     auto* row = new GapRow;
-    connect(row->button(), &QPushButton::clicked, this, [this, row] {
-        m_model.setManualDraft(ManualDraft{.start = row->interval().start,
-                                           .end = row->interval().end,
-                                           .editingId = {},
-                                           .title = {},
-                                           .projectId = {},
-                                           .tagIds = {}});
-    });
+    connect(row->button(), &QPushButton::clicked, this,
+            [this, row] { m_model.setManualDraft(draftFor(row->interval())); });
     return row;
 }
 
 void GapList::refresh() {
-    const std::vector<Interval> found = gaps(m_model.dayItems(), shortestGap);
+    const std::vector<Interval> found = gaps(m_model.dayItems(), offeredGap);
     QStringList keys;
     Seconds total{0};
     for (const Interval& interval : found) {

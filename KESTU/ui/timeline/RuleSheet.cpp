@@ -38,6 +38,7 @@ QWidget* labelled(TextLabel* label, QWidget* control, int width) {
     auto* whole = new QWidget;
     auto* row = rowIn(whole, 12);
     control->setFixedWidth(width);
+    label->setBuddy(control);
     row->addWidget(label, 1);
     row->addWidget(control);
     return whole;

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/timeline/DayHeader.h"
+
+#include "app/AppModel.h"
+#include "classify/DurationText.h"
+#include "ui/Texts.h"
+#include "ui/controls/IconButton.h"
+#include "ui/controls/Painted.h"
+#include "ui/controls/TextLabel.h"
+#include "ui/theme/Icons.h"
+#include "ui/timeline/DayDrafts.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+
+#include <numeric>
+
+namespace kestu {
+namespace {
+
+constexpr int narrowColumn = 440;
+constexpr int gap = 12;
+constexpr int narrowGap = 8;
+constexpr int buttonPadding = 12;
+constexpr int narrowPadding = 8;
+constexpr int buttonTop = 1; // their texts stand on the date's line
+
+QString addText() {
+    return QStringLiteral("手動で追加");
+}
+
+} // namespace
+
+DayHeader::DayHeader(AppModel& model)
+    : m_model(model)
+    , m_date(new TextLabel({}, TextStyle::title2))
+    , m_total(new TextLabel({}, TextStyle::callout, ink::secondary))
+    , m_add(new QPushButton(iconOf(u"plus"), addText()))
+    , m_previous(
+          new IconButton(QStringLiteral("chevron.left"), QStringLiteral("前の日"), IconButton::Kind::framed))
+    , m_today(new QPushButton(QStringLiteral("今日")))
+    , m_next(
+          new IconButton(QStringLiteral("chevron.right"), QStringLiteral("次の日"), IconButton::Kind::framed))
+    , m_row(new QHBoxLayout(this)) {
+    m_row->setContentsMargins(24, 16, 24, 14);
+    m_row->addLayout(makeTexts());
+    m_row->addStretch(1);
+    m_row->addLayout(makeAdding());
+    m_row->addLayout(makeSteps());
+    m_add->setAccessibleName(addText());
+    m_add->setAutoDefault(false);
+    m_today->setAutoDefault(false);
+    connect(m_add, &QPushButton::clicked, this, &DayHeader::add);
+    connect(m_previous, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(-1); });
+    connect(m_today, &QPushButton::clicked, this, [this] { m_model.goToToday(); });
+    connect(m_next, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(1); });
+    connect(&m_model, &AppModel::selectedDayChanged, this, &DayHeader::refreshDay);
+    connect(&m_model, &AppModel::revisionChanged, this, &DayHeader::refreshDay); // midnight may have passed
+    connect(&m_model, &AppModel::dayItemsChanged, this, &DayHeader::refreshTotal);
+    refreshDay();
+    refreshTotal();
+}
+
+QBoxLayout* DayHeader::makeTexts() {
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
+    texts->addWidget(m_date);
+    texts->addWidget(m_total);
+    return texts;
+}
+
+QBoxLayout* DayHeader::makeAdding() {
+    auto* adding = new QHBoxLayout;
+    adding->setContentsMargins(0, buttonTop, 0, 0);
+    adding->addWidget(m_add, 0, Qt::AlignTop);
+    return adding;
+}
+
+QBoxLayout* DayHeader::makeSteps() {
+    auto* steps = new QHBoxLayout;
+    steps->setContentsMargins(0, buttonTop, 0, 0);
+    steps->setSpacing(4);
+    for (QWidget* step :
+         {static_cast<QWidget*>(m_previous), static_cast<QWidget*>(m_today), static_cast<QWidget*>(m_next)}) {
+        steps->addWidget(step, 0, Qt::AlignTop);
+    }
+    return steps;
+}
+
+void DayHeader::add() {
+    m_model.setManualDraft(defaultDraft(
+        {.items = m_model.dayItems(), .start = m_model.selectedDay(), .isToday = m_model.isTodaySelected()},
+        m_model.now()));
+}
+
+void DayHeader::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const bool isNarrow = width() < narrowColumn;
+    m_row->setSpacing(isNarrow ? narrowGap : gap);
+    m_add->setText(isNarrow ? QString() : addText());
+    m_add->setToolTip(isNarrow ? addText() : QString());
+    const int padding = isNarrow ? narrowPadding : buttonPadding;
+    m_today->setFixedWidth(widthOf(m_today->text(), m_today->font()) + padding * 2);
+}
+
+void DayHeader::refreshDay() {
+    const auto local = LocalClock(m_model.calendar()).at(m_model.selectedDay());
+    m_date->setText(local ? dateText(local->date) : QString());
+    const bool isToday = m_model.isTodaySelected();
+    m_today->setEnabled(!isToday);
+    m_next->setEnabled(!isToday);
+}
+
+void DayHeader::refreshTotal() {
+    const auto& items = m_model.dayItems();
+    const double total =
+        std::accumulate(items.begin(), items.end(), 0.0,
+                        [](double sum, const ResolvedActivity& item) { return sum + secondsOf(item); });
+    m_total->setText(QStringLiteral("記録 ") + formatDuration(total));
+}
+
+} // namespace kestu

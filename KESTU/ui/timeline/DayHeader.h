@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The selected day and its total, the button that adds an entry, and the way to other days. In a narrow
+// column the texts of its buttons give way. It belongs to its parent widget.
+#pragma once
+
+#include <QWidget>
+
+class QBoxLayout;
+class QPushButton;
+
+namespace kestu {
+
+class AppModel;
+class IconButton;
+class TextLabel;
+
+class DayHeader final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit DayHeader(AppModel& model);
+
+    /// Opens the sheet with the entry that is most likely to be missing.
+    void add();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    [[nodiscard]] QBoxLayout* makeTexts();
+    [[nodiscard]] QBoxLayout* makeAdding();
+    [[nodiscard]] QBoxLayout* makeSteps();
+    void refreshDay();
+    void refreshTotal();
+
+    AppModel& m_model;
+    TextLabel* m_date;
+    TextLabel* m_total;
+    QPushButton* m_add;
+    IconButton* m_previous;
+    QPushButton* m_today;
+    IconButton* m_next;
+    QBoxLayout* m_row;
+};
+
+} // namespace kestu
