@@ -63,7 +63,10 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
     applyTheme(application, wantedColors(appearance, desktopPalette));
     KestuApp kestuApp(
         std::move(repository), *started.platform,
-        {.clock = systemNow, .calendar = systemCalendar, .screen = qEnvironmentVariable("KESTU_SCREEN")});
+        {.clock = systemNow,
+         .calendar = systemCalendar,
+         .screen = qEnvironmentVariable("KESTU_SCREEN"),
+         .assistantServer = QCoreApplication::applicationDirPath() + QStringLiteral("/kestu-mcp")});
     Shell shell(kestuApp.model(), QSystemTrayIcon::isSystemTrayAvailable);
     QObject::connect(&appearance, &Appearance::colorSchemeChanged, &application, [&] {
         applyTheme(application, wantedColors(appearance, desktopPalette));

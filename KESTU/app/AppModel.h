@@ -43,6 +43,7 @@ public:
         std::function<Calendar()> calendar; // the user's calendar at this moment
         QString screen;                     // the raw value of the screen to begin with; else the timeline
         std::chrono::milliseconds watchInterval{3000}; // between two looks for another process's writes
+        QString assistantServer{}; // the program through which assistants read and write, by its path
     };
 
     /// Takes over the opened store and loads today; `platform` outlives this.
@@ -79,6 +80,11 @@ public:
     [[nodiscard]] const QMap<QString, QString>& excludedApps() const { return m_excludedApps; }
     [[nodiscard]] bool launchAtLogin() const { return m_launchAtLogin; }
     [[nodiscard]] bool welcomeShown() const;
+    /// The applications recorded on the selected day: bundle id -> name.
+    [[nodiscard]] QMap<QString, QString> recordedApps() const;
+    [[nodiscard]] const QString& assistantServer() const { return m_environment.assistantServer; }
+    /// The folder that holds the records.
+    [[nodiscard]] QString dataFolder() const;
 
     [[nodiscard]] Instant now() const { return m_environment.clock(); }
     [[nodiscard]] Calendar calendar() const { return m_environment.calendar(); }
@@ -126,6 +132,7 @@ public:
     void refreshAccessibility();
     void openAccessibilitySettings();
     void openAddress(const QUrl& address);
+    void openDataFolder();
     /// Asks whether a newer version can be installed; `answered` is called once, later.
     void checkForUpdates(std::function<void(const UpdateAnswer&)> answered);
 

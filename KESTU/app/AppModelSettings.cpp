@@ -10,6 +10,8 @@
 #include "platform/PlatformError.h"
 #include "platform/SettingsStore.h"
 
+#include <QFileInfo>
+
 namespace kestu {
 namespace {
 
@@ -94,6 +96,17 @@ void AppModel::setExcludedApps(QMap<QString, QString> apps) {
     tryPlatform([&] { m_platform.settingsStore().setDictionary(key::excludedApps, m_excludedApps); });
 }
 
+QMap<QString, QString> AppModel::recordedApps() const {
+    QMap<QString, QString> apps;
+    for (const ResolvedActivity& item : m_dayItems) {
+        const Activity& activity = item.activity;
+        if (!activity.isManual && !activity.bundleId.isEmpty()) {
+            apps.insert(activity.bundleId, activity.appName);
+        }
+    }
+    return apps;
+}
+
 void AppModel::setLaunchAtLogin(bool enabled) {
     assign(m_launchAtLogin, enabled, &AppModel::launchAtLoginChanged);
     tryPlatform([this] { applyLaunchAtLogin(); }, QStringLiteral("ログイン時に起動の設定に失敗しました："));
@@ -134,6 +147,14 @@ void AppModel::openAccessibilitySettings() {
 
 void AppModel::openAddress(const QUrl& address) {
     tryPlatform([&] { m_platform.opener().openAddress(address); });
+}
+
+QString AppModel::dataFolder() const {
+    return QFileInfo(m_repository->database().path()).absolutePath();
+}
+
+void AppModel::openDataFolder() {
+    tryPlatform([this] { m_platform.opener().openFolder(dataFolder()); });
 }
 
 void AppModel::checkForUpdates(std::function<void(const UpdateAnswer&)> answered) {

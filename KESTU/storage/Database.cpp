@@ -211,6 +211,10 @@ std::int64_t Database::dataVersion() const noexcept {
     return counter(*this, QStringLiteral("PRAGMA data_version"));
 }
 
+QString Database::path() const {
+    return QString::fromUtf8(sqlite3_db_filename(m_handle.get(), "main"));
+}
+
 bool Database::hasMoved() const noexcept {
     int hasMoved = 0;
     sqlite3_file_control(m_handle.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);

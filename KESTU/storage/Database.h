@@ -116,6 +116,9 @@ public:
     /// `PRAGMA data_version`: changes when another connection has committed; 0 on any failure.
     [[nodiscard]] std::int64_t dataVersion() const noexcept;
 
+    /// The absolute path of the opened file; empty for one in memory.
+    [[nodiscard]] QString path() const;
+
     /// Whether another file, or none, now lies at the path that was opened. SQLite itself goes on writing
     /// into the file that it has open, and nothing fails.
     [[nodiscard]] bool hasMoved() const noexcept;

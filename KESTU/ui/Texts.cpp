@@ -55,6 +55,10 @@ QString labelOf(RuleOperator op) {
     return {};
 }
 
+QString sentenceOf(RuleField field, RuleOperator op, const QString& value) {
+    return QStringLiteral("%1 が %2 %3").arg(labelOf(field), value, labelOf(op));
+}
+
 QString projectName(const AppModel& model, std::optional<ProjectId> id) {
     const Project* project = id ? model.project(*id) : nullptr;
     return project ? project->name : QStringLiteral("未分類");

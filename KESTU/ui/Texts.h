@@ -26,6 +26,8 @@ class AppModel;
 [[nodiscard]] QString labelOf(CategoryKind kind);
 [[nodiscard]] QString labelOf(RuleField field);
 [[nodiscard]] QString labelOf(RuleOperator op);
+/// "ドメイン が example.jp と一致".
+[[nodiscard]] QString sentenceOf(RuleField field, RuleOperator op, const QString& value);
 
 /// Without a project, or with one that is gone: 未分類, and an invalid colour, which widgets take for that of
 /// unassigned time.

@@ -23,8 +23,13 @@ FLOORS = {
     # The screens read records and figures; the store, the tracker and the system they never see.
     "ui/theme": [],
     "ui/controls": ["ui/theme"],
-    "ui": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls", "ui/timeline"],
-    "ui/timeline": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls", "ui"],
+    "ui/parts": ["base", "storage", "app", "ui/theme", "ui/controls"],
+    "ui/timeline": ["base", "storage", "classify", "app", "ui/theme", "ui/controls", "ui/parts"],
+    "ui/projects": ["base", "storage", "classify", "app", "ui/theme", "ui/controls", "ui/parts"],
+    "ui/settings": ["base", "storage", "classify", "app", "ui/theme", "ui/controls", "ui/parts"],
+    "ui/report": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls", "ui/parts"],
+    "ui": ["base", "storage", "classify", "app", "ui/theme", "ui/controls", "ui/parts", "ui/timeline",
+           "ui/projects", "ui/settings", "ui/report"],
 }
 # Who may include which header of the system.
 SYSTEM = [

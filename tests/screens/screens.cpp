@@ -46,6 +46,8 @@ public:
         m_store.now = test::sampleNow;
         test::fillSampleDay(*m_store.repository);
         m_platform.fakeSettings.booleans[u"welcomeShown"_s] = true;
+        m_platform.fakeSettings.dictionaries[u"excludedApps"_s] = {
+            {u"org.keepassxc.KeePassXC"_s, u"KeePassXC"_s}, {u"org.signal.Signal"_s, u"Signal"_s}};
         m_platform.fakeAccessibility.granted = true;
         m_platform.fakeWorkspace.front = {
             .bundleId = u"jp.example.メール"_s, .localizedName = u"メール"_s, .processId = 1};
@@ -54,7 +56,10 @@ public:
 
     void renderAll() {
         AppModel model(std::move(m_store.repository), m_platform,
-                       {.clock = [] { return test::sampleNow; }, .calendar = test::tokyo, .screen = {}});
+                       {.clock = [] { return test::sampleNow; },
+                        .calendar = test::tokyo,
+                        .screen = {},
+                        .assistantServer = u"/usr/bin/kestu-mcp"_s});
         model.loadSettings();
         model.start();
         Commands commands(model);

@@ -43,7 +43,12 @@ QAccessibleInterface* findShown(const Condition& isWanted) {
     return nullptr;
 }
 
-/// A picker reports its choice as its name; it is known by its label.
+bool isNamed(const QAccessibleInterface& control, const QString& name, QAccessible::Role role) {
+    return nameOf(control) == name && (role == QAccessible::NoRole || control.role() == role);
+}
+
+} // namespace
+
 QString nameOf(const QAccessibleInterface& control) {
     if (control.role() == QAccessible::ComboBox) {
         for (const auto& [target, relation] : control.relations(QAccessible::Label)) {
@@ -52,12 +57,6 @@ QString nameOf(const QAccessibleInterface& control) {
     }
     return control.text(QAccessible::Name);
 }
-
-bool isNamed(const QAccessibleInterface& control, const QString& name, QAccessible::Role role) {
-    return nameOf(control) == name && (role == QAccessible::NoRole || control.role() == role);
-}
-
-} // namespace
 
 QAccessibleInterface* findControl(const QString& name, QAccessible::Role role) {
     return findShown([&](const QAccessibleInterface& control) { return isNamed(control, name, role); });

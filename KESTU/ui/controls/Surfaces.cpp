@@ -32,7 +32,7 @@ Divider::Divider(Qt::Orientation orientation, QWidget* parent)
 }
 
 void Divider::paintEvent(QPaintEvent*) {
-    QPainter(this).fillRect(rect(), colorsOf(palette()).divider);
+    QPainter(this).fillRect(contentsRect(), colorsOf(palette()).divider);
 }
 
 IconView::IconView(const QString& name, int size, QColor Colors::*color, QWidget* parent)

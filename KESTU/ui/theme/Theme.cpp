@@ -195,6 +195,12 @@ QFont semibold(QFont font) {
     return font;
 }
 
+QFont monospaced(QFont font) {
+    font.setFamilies({QStringLiteral("Noto Sans Mono CJK JP"), QStringLiteral("Noto Sans Mono")});
+    font.setStyleHint(QFont::Monospace);
+    return font;
+}
+
 QFont fontOf(TextStyle style) {
     struct Face {
         int pixels;

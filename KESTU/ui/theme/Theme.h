@@ -110,6 +110,8 @@ enum class TextStyle {
 
 [[nodiscard]] QFont fontOf(TextStyle style);
 [[nodiscard]] QFont semibold(QFont font);
+/// Letters of one width, as paths have.
+[[nodiscard]] QFont monospaced(QFont font);
 
 namespace metrics {
 inline constexpr int radiusSlice = 3;

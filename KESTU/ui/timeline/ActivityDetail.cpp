@@ -64,7 +64,9 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(gap);
     column->addLayout(makeHeader());
-    column->addLayout(makeBody());
+    column->addLayout(makeTexts());
+    column->addLayout(makeProject());
+    column->addLayout(makeTagTexts());
     column->addLayout(makeButtons());
     connect(&m_model, &AppModel::projectsChanged, this, &ActivityDetail::showProject);
     connect(&m_model, &AppModel::rulesChanged, this, &ActivityDetail::showProject);
@@ -73,7 +75,7 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
 
 QLayout* ActivityDetail::makeHeader() {
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(leftOverhang, 0, 0, 0);
+    row->setContentsMargins(sideRoom.left(), 0, 0, 0); // the cross ends where the texts do
     row->setSpacing(gap);
     row->addWidget(m_heading, 1);
     auto* close = new IconButton(QStringLiteral("xmark"), QStringLiteral("閉じる"));
@@ -82,27 +84,12 @@ QLayout* ActivityDetail::makeHeader() {
     return row;
 }
 
-QLayout* ActivityDetail::makeBody() {
-    auto* column = new QVBoxLayout;
-    column->setContentsMargins(leftOverhang, 0, rightOverhang, 0);
-    column->setSpacing(gap);
-    column->addLayout(makeTexts());
-    column->addLayout(makeProject());
-    column->addWidget(new TextLabel(QStringLiteral("ここで選ぶと、この区間だけルールより優先されます。"),
-                                    TextStyle::caption2, ink::tertiary, Overflow::wrap));
-    auto* tags = new TextLabel(QStringLiteral("タグ（いくつでも）"), TextStyle::caption);
-    tags->setFont(semibold(tags->font()));
-    tags->setContentsMargins(0, 4, 0, 0);
-    column->addWidget(tags);
-    column->addWidget(m_tags);
-    return column;
-}
-
 QLayout* ActivityDetail::makeTexts() {
     m_title->setMaximumLines(longestTitle);
     m_title->setCopyable(true);
     m_address->setCopyable(true);
     auto* column = new QVBoxLayout;
+    column->setContentsMargins(sideRoom);
     column->setSpacing(4);
     for (TextLabel* label : {m_name, m_title, m_address, m_time}) {
         column->addWidget(label);
@@ -112,7 +99,7 @@ QLayout* ActivityDetail::makeTexts() {
 
 QLayout* ActivityDetail::makeProject() {
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 4, 0, 0);
+    row->setContentsMargins(sideRoom + QMargins(0, 4, 0, 0));
     row->setSpacing(gap);
     m_project->setAccessibleName(QStringLiteral("プロジェクト"));
     auto* label = new TextLabel(m_project->accessibleName());
@@ -123,9 +110,24 @@ QLayout* ActivityDetail::makeProject() {
     return row;
 }
 
+QLayout* ActivityDetail::makeTagTexts() {
+    auto* column = new QVBoxLayout;
+    column->setContentsMargins(sideRoom);
+    column->setSpacing(gap);
+    column->addWidget(new TextLabel(QStringLiteral("ここで選ぶと、この区間だけルールより優先されます。"),
+                                    TextStyle::caption2, ink::tertiary, Overflow::wrap));
+    auto* title = new TextLabel(QStringLiteral("タグ（いくつでも）"), TextStyle::caption);
+    title->setFont(semibold(title->font()));
+    title->setContentsMargins(0, 4, 0, 0);
+    column->addWidget(title);
+    column->addWidget(m_tags);
+    return column;
+}
+
 QLayout* ActivityDetail::makeButtons() {
     auto* row = new QHBoxLayout;
-    row->setSpacing(leftOverhang);
+    row->setContentsMargins(0, 0, sideRoom.right(), 0); // their texts begin where those above them do
+    row->setSpacing(sideRoom.left());
     auto* remove = makeBorderless(QStringLiteral("この区間を削除"));
     setRole(remove, ButtonRole::destructive);
     row->addWidget(m_edit);

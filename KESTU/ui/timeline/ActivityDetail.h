@@ -20,15 +20,13 @@ class AppModel;
 class CategoryPicker;
 class TextLabel;
 
+/// How far the detail reaches beyond the texts of the panel: borderless buttons are wider than what they say.
+inline constexpr QMargins sideRoom{6, 0, 4, 0};
+
 class ActivityDetail final : public QWidget {
     Q_OBJECT
 
 public:
-    /// It is wider than its texts: at the left by the padding of the buttons below, at the right by that of
-    /// the cross, so that they stand in line.
-    static constexpr int leftOverhang = 6;
-    static constexpr int rightOverhang = 4;
-
     explicit ActivityDetail(AppModel& model, QWidget* parent = nullptr);
 
     void setItem(const ResolvedActivity& item);
@@ -38,9 +36,9 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] QLayout* makeHeader();
-    [[nodiscard]] QLayout* makeBody();
     [[nodiscard]] QLayout* makeTexts();
     [[nodiscard]] QLayout* makeProject();
+    [[nodiscard]] QLayout* makeTagTexts();
     [[nodiscard]] QLayout* makeButtons();
     void showTexts();
     void showProject();

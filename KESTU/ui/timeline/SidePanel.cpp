@@ -46,7 +46,15 @@ SidePanel::SidePanel(AppModel& model, QWidget* parent)
     , m_belowGaps(new Divider)
     , m_unassigned(new UnassignedList(model)) {
     setFixedWidth(panelWidth);
-    fill(*makeColumn());
+    QVBoxLayout* column = makeColumn();
+    for (QWidget* part :
+         std::initializer_list<QWidget*>{m_detail, m_belowDetail, m_gaps, m_belowGaps, m_unassigned}) {
+        if (part != m_detail) {
+            part->setContentsMargins(sideRoom);
+        }
+        column->addWidget(part);
+    }
+    column->addStretch();
     connect(m_detail, &ActivityDetail::rearranged, this, &SidePanel::orderTabs);
     connect(m_gaps, &GapList::rearranged, this, &SidePanel::orderTabs);
     connect(m_gaps, &GapList::rearranged, this, &SidePanel::showDividers);
@@ -63,8 +71,7 @@ SidePanel::SidePanel(AppModel& model, QWidget* parent)
 QVBoxLayout* SidePanel::makeColumn() {
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(padding - ActivityDetail::leftOverhang, padding,
-                               padding - ActivityDetail::rightOverhang, padding);
+    column->setContentsMargins(padding - sideRoom.left(), padding, padding - sideRoom.right(), padding);
     column->setSpacing(partGap);
     m_scroll->setWidget(content);
     m_scroll->setWidgetResizable(true);
@@ -77,19 +84,6 @@ QVBoxLayout* SidePanel::makeColumn() {
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(m_scroll);
     return column;
-}
-
-void SidePanel::fill(QVBoxLayout& column) {
-    auto* lists = new QVBoxLayout;
-    lists->setContentsMargins(ActivityDetail::leftOverhang, 0, ActivityDetail::rightOverhang, 0);
-    lists->setSpacing(partGap);
-    lists->addWidget(m_belowDetail);
-    lists->addWidget(m_gaps);
-    lists->addWidget(m_belowGaps);
-    lists->addWidget(m_unassigned);
-    column.addWidget(m_detail);
-    column.addLayout(lists);
-    column.addStretch();
 }
 
 void SidePanel::showSelected() {

@@ -25,7 +25,6 @@ public:
 
 private:
     [[nodiscard]] QVBoxLayout* makeColumn();
-    void fill(QVBoxLayout& column);
     void showSelected();
     void showDividers();
     void orderTabs();

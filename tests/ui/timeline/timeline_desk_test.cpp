@@ -50,10 +50,8 @@ void pressKeys(const QStringList& keys) {
 }
 
 [[nodiscard]] QString focusedName() {
-    QAccessibleInterface* focused = QApplication::focusWidget()
-                                        ? QAccessible::queryAccessibleInterface(QApplication::focusWidget())
-                                        : nullptr;
-    return focused ? focused->text(QAccessible::Name) : QString();
+    QWidget* focused = QApplication::focusWidget();
+    return focused ? test::nameOf(*QAccessible::queryAccessibleInterface(focused)) : QString();
 }
 
 /// Tab by tab, as a user without a mouse.
@@ -190,8 +188,7 @@ TEST_F(TimelineTest, SortsAGroupIntoANewProjectByARuleAndUnderATagByHand) {
     typeText(u"office"_s);
     EXPECT_TRUE(click(u"保存"_s));
     EXPECT_EQ(store.dump(u"SELECT project.name || ' ' || field || ' ' || op || ' ' || value FROM rule JOIN "
-                         "project ON project.id = target_id WHERE target_kind = 'project' ORDER BY rule.id "
-                         "DESC LIMIT 1"_s),
+                         "project ON project.id = project_id ORDER BY rule.id DESC LIMIT 1"_s),
               "office app equals メール");
     EXPECT_FALSE(isShown(u"保存"_s));
 
@@ -316,14 +313,14 @@ TEST_F(TimelineTest, KeepsWhatTheUserIsDoingWhileRecordingGoesOn) {
     launch({900, 560});
     model->start();
     model->setSelectedActivityId(model->dayItems()[7].activity.id);
-    auto* column =
-        window->findChild<HourBars*>()->parentWidget()->parentWidget()->parentWidget()->parentWidget();
-    QScrollBar* scroll = qobject_cast<QScrollArea*>(column)->verticalScrollBar();
+    QScrollBar* scroll = column()->verticalScrollBar();
     scroll->setValue(120);
     const auto record = [this](const QString& title) {
         platform.fakeWorkspace.title = title;
-        now += Seconds{20};
-        Q_EMIT platform.events.applicationActivated();
+        for (int look = 0; look < 8; ++look) {
+            Q_EMIT platform.events.applicationActivated();
+            now += Seconds{2};
+        }
         waitUntil([] { return false; }, 50);
     };
     const auto before = model->dayItems().size();
