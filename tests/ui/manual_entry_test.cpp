@@ -50,7 +50,7 @@ protected:
     template<typename Control>
     [[nodiscard]] Control* control(const QString& name) const {
         for (auto* candidate : window->findChildren<Control*>()) {
-            if (candidate->accessibleName() == name) {
+            if (candidate->isVisible() && candidate->accessibleName() == name) {
                 return candidate;
             }
         }

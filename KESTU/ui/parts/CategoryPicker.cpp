@@ -2,6 +2,11 @@
 #include "ui/parts/CategoryPicker.h"
 
 #include "app/AppModel.h"
+#include "ui/controls/Painted.h"
+
+#include <QHelpEvent>
+#include <QStyleOptionComboBox>
+#include <QToolTip>
 
 namespace kestu {
 
@@ -22,6 +27,20 @@ void CategoryPicker::showCategories(const QString& first, const AppModel& model,
                                     std::optional<RowId> chosen) {
     showEntries(entriesOf(first, model, kind));
     setCurrentIndex(chosen ? findData(QVariant::fromValue(*chosen)) : 0);
+}
+
+bool CategoryPicker::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QComboBox::event(event);
+    }
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    const QRect room =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    const bool isElided = widthOf(currentText(), font()) > room.width();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                       isElided ? toolTipOf(currentText()) : QString(), this);
+    return true;
 }
 
 /// Behind the first, one without an id is the divider.

@@ -28,6 +28,9 @@ public:
                         std::optional<RowId> chosen);
     [[nodiscard]] std::optional<RowId> chosen() const;
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     struct Entry {
         QString text;

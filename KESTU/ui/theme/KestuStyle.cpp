@@ -200,8 +200,6 @@ int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_ComboBox_Popup: // the list of a picker is a menu
     case SH_ComboBox_ListMouseTracking:
         return 1;
-    case SH_ComboBox_AllowWheelScrolling: // the wheel scrolls what the picker stands in
-        return 0;
     case SH_Menu_Mask:
     case SH_ToolTip_Mask:
         if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(result); mask && widget) {
@@ -236,6 +234,9 @@ QPixmap KestuStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
 
 void KestuStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
+    if (isStepped(*widget) && widget->focusPolicy() == Qt::WheelFocus) {
+        widget->setFocusPolicy(Qt::StrongFocus); // else the wheel gives it the focus first
+    }
     if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget)) {
         widget->setAttribute(Qt::WA_Hover);
         widget->installEventFilter(this);
@@ -265,8 +266,9 @@ bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
     auto* widget = qobject_cast<QWidget*>(watched);
     switch (event->type()) {
     case QEvent::Wheel:
-        // Who scrolls a form must not change what happens to pass below the pointer.
-        if (widget && !widget->hasFocus() && isStepped(*widget)) {
+        // Who scrolls must not change what happens to pass below the pointer; a picker keeps the focus after
+        // a choice, and is passed then, too.
+        if (widget && isStepped(*widget) && (!widget->hasFocus() || qobject_cast<QComboBox*>(widget))) {
             event->ignore();
             return true;
         }

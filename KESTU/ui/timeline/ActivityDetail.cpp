@@ -20,6 +20,7 @@ namespace {
 
 constexpr int gap = 8;
 constexpr int longestTitle = 3; // lines
+constexpr int widestChip = 288; // the panel's width within its padding
 
 /// The project that the rules alone give.
 std::optional<ProjectId> projectByRules(Activity activity, const std::vector<Rule>& rules) {
@@ -201,6 +202,7 @@ TagChip::Look ActivityDetail::lookOf(TagId id) const {
 TagChip* ActivityDetail::makeChip(TagId id) {
     const bool isFixed = isGivenByRuleAlone(id);
     auto* chip = new TagChip(lookOf(id), isFixed ? TagChip::Kind::label : TagChip::Kind::clickable);
+    chip->setMaximumWidth(widestChip);
     if (!isFixed) {
         connect(chip, &QAbstractButton::clicked, this, [this, id] { toggleTag(id); });
     }
