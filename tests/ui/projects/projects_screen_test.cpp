@@ -66,6 +66,7 @@ class ProjectsScreenTest : public testing::Test {
 protected:
     ProjectsScreenTest() {
         test::fillSampleDay(*store.repository);
+        store.execute(u"DELETE FROM rule"_s);
         store.execute(u"DELETE FROM rule_suggestion"_s);
     }
 
