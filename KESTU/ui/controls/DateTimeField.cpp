@@ -6,6 +6,7 @@
 #include "ui/theme/KestuStyle.h"
 
 #include <QFocusEvent>
+#include <QLineEdit>
 #include <QLocale>
 #include <QToolButton>
 
@@ -60,8 +61,9 @@ void DateTimeField::showCalendar() {
 
 void DateTimeField::focusInEvent(QFocusEvent* event) {
     QDateTimeEdit::focusInEvent(event);
-    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::OtherFocusReason) {
-        setSelectedSection(QDateTimeEdit::HourSection); // seldom it is the year that is wrong
+    const auto* edit = lineEdit();
+    if (edit->hasSelectedText() && edit->selectionStart() == 0) { // it came from before, or anew
+        setSelectedSection(QDateTimeEdit::HourSection);           // seldom it is the year that is wrong
     }
 }
 
