@@ -23,7 +23,9 @@ FLOORS = {
     # The screens read records and figures; the store, the tracker and the system they never see.
     "ui/theme": [],
     "ui/controls": ["ui/theme"],
-    "ui": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls"],
+    "ui": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls",
+           "ui/report"],
+    "ui/report": ["base", "storage", "classify", "reports", "app", "ui/theme", "ui/controls", "ui"],
 }
 # Who may include which header of the system.
 SYSTEM = [
