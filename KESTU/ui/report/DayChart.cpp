@@ -62,6 +62,12 @@ QPen hairline(const QColor& color) {
     return {color, 1};
 }
 
+/// Where the library, which does not smooth its bars, draws one.
+QRectF onPixels(const QRectF& box) {
+    return QRectF(QPointF(std::round(box.left()), std::round(box.top())),
+                  QPointF(std::round(box.right()), std::round(box.bottom())));
+}
+
 /// What a rectangle has beyond the same one with rounded upper corners.
 QPainterPath upperCorners(const QRectF& box) {
     const double radius = std::min<double>(metrics::radiusSlice, box.width() / 2);
@@ -100,6 +106,7 @@ void DayChart::setUpAxes() {
     m_series->attachAxis(m_days);
     m_series->attachAxis(m_hours);
     m_days->setGridLineVisible(false);
+    m_days->setLineVisible(false); // its marks between the days come with it
     m_days->setTruncateLabels(false);
     m_days->setLabelsFont(fontOf(TextStyle::caption));
     m_hours->setLineVisible(false);
@@ -243,7 +250,6 @@ void DayChart::applyColors() {
     setBackgroundBrush(colors.window);
     m_hours->setGridLinePen(hairline(colors.chartGrid));
     m_hours->setLabelsColor(colors.textTertiary);
-    m_days->setLinePen(hairline(colors.divider));
     m_days->setLabelsColor(colors.textSecondary);
     const auto sets = m_series->barSets();
     for (qsizetype place = 0; place < sets.size(); ++place) {
@@ -259,16 +265,23 @@ void DayChart::changeEvent(QEvent* event) {
     }
 }
 
-/// What the bars of the library lack: the gap below each piece and the round corners of the topmost one.
+/// What the library lacks: the base line without marks, the gap below each piece of a bar, and the round
+/// corners of the topmost one.
 void DayChart::drawForeground(QPainter* painter, const QRectF&) {
     const Colors& colors = colorsOf(palette());
+    const QRectF plot = chart()->plotArea();
     painter->save();
+    painter->fillRect(QRectF(plot.left(), plot.bottom(), plot.width(), 1), colors.divider);
+    const auto all = pieces();
+    for (const Piece& piece : all) {
+        painter->fillRect(
+            QRectF(piece.box.left(), piece.box.bottom() - segmentGap, piece.box.width(), segmentGap),
+            colors.window);
+    }
     painter->setRenderHint(QPainter::Antialiasing);
-    for (const Piece& piece : pieces()) {
-        const QRectF gap(piece.box.left(), piece.box.bottom() - segmentGap, piece.box.width(), segmentGap);
-        painter->fillRect(gap, colors.window);
+    for (const Piece& piece : all) {
         if (piece.isTop) {
-            painter->fillPath(upperCorners(piece.box), colors.window);
+            painter->fillPath(upperCorners(onPixels(piece.box)), colors.window);
         }
     }
     painter->setFont(fontOf(TextStyle::caption2));
@@ -277,9 +290,10 @@ void DayChart::drawForeground(QPainter* painter, const QRectF&) {
     painter->restore();
 }
 
+/// In this order: the axes take their place from the plot area only when the chart itself is resized.
 void DayChart::resizeEvent(QResizeEvent* event) {
-    QChartView::resizeEvent(event);
     layOut();
+    QChartView::resizeEvent(event);
 }
 
 bool DayChart::viewportEvent(QEvent* event) {

@@ -28,7 +28,7 @@ ExportSection::ExportSection(QWidget* parent)
     auto* card = new Card;
     outer->addWidget(card);
     auto* column = new QVBoxLayout(card);
-    column->setContentsMargins(16, 16, 16, 16);
+    column->setContentsMargins(17, 17, 17, 17);
     column->setSpacing(12);
 
     auto* heading = addGroup(*column, 4);

@@ -87,6 +87,7 @@ public:
 
     void setContents(const std::vector<typename Row::Content>& contents) {
         while (m_rows.size() > contents.size()) {
+            m_layout->removeWidget(m_rows.back());
             m_rows.back()->hide();
             m_rows.back()->deleteLater();
             m_rows.pop_back();

@@ -16,7 +16,7 @@ enum Place : std::size_t { total, average, unassigned, manual };
 const std::array<QString, 4> captions{QStringLiteral("記録の合計"), QStringLiteral("1日平均（記録のある日）"),
                                       QStringLiteral("未分類"), QStringLiteral("手動で登録")};
 constexpr int gap = 12;
-constexpr int noteDrop = 3; // puts the small note on the figure's baseline
+constexpr int noteRise = 2; // puts the small note on the figure's baseline
 
 } // namespace
 
@@ -28,17 +28,21 @@ StatCards::StatCards(QWidget* parent)
     for (std::size_t place = 0; place < m_values.size(); ++place) {
         auto* card = new Card;
         auto* column = new QVBoxLayout(card);
-        column->setContentsMargins(14, 12, 14, 12);
+        column->setContentsMargins(15, 12, 15, 13);
         column->setSpacing(4);
         column->addWidget(new TextLabel(captions[place], TextStyle::caption, ink::secondary));
         auto* value = new QHBoxLayout;
         value->setSpacing(8);
         m_values[place] = {.figure = new TextLabel({}, TextStyle::title2),
                            .note = new TextLabel({}, TextStyle::callout, ink::secondary)};
-        m_values[place].note->setContentsMargins(0, 0, 0, noteDrop);
         m_values[place].note->setVisible(place == unassigned);
         value->addWidget(m_values[place].figure);
-        value->addWidget(m_values[place].note, 0, Qt::AlignBottom);
+        auto* note = new QVBoxLayout;
+        note->setSpacing(0);
+        note->addStretch();
+        note->addWidget(m_values[place].note);
+        note->addSpacing(noteRise);
+        value->addLayout(note);
         value->addStretch();
         column->addLayout(value);
         row->addWidget(card, 1);
