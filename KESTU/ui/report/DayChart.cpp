@@ -4,6 +4,7 @@
 #include "classify/DurationText.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/Roles.h"
+#include "ui/report/BarShape.h"
 
 #include <QBarCategoryAxis>
 #include <QBarSet>
@@ -11,7 +12,6 @@
 #include <QHelpEvent>
 #include <QLegend>
 #include <QLocale>
-#include <QPainterPath>
 #include <QStackedBarSeries>
 #include <QToolTip>
 #include <QValueAxis>
@@ -24,10 +24,11 @@ namespace kestu {
 namespace {
 
 constexpr int chartHeight = 220;
-constexpr QMargins plotMargins(34, 20, 0, 24);
+// A half, so that the lines of the grid fall on whole pixels.
+constexpr QMarginsF plotMargins(34, 20.5, 0, 23.5);
 constexpr double widestBar = 48;
 constexpr double barShare = 0.6; // of a day
-constexpr double segmentGap = 1;
+constexpr int unitBaseline = 11;
 constexpr int labelGap = 4;
 constexpr double secondsPerHour = 3600;
 constexpr int mostSteps = 4;
@@ -62,23 +63,6 @@ QPen hairline(const QColor& color) {
     return {color, 1};
 }
 
-/// Where the library, which does not smooth its bars, draws one.
-QRectF onPixels(const QRectF& box) {
-    return QRectF(QPointF(std::round(box.left()), std::round(box.top())),
-                  QPointF(std::round(box.right()), std::round(box.bottom())));
-}
-
-/// What a rectangle has beyond the same one with rounded upper corners.
-QPainterPath upperCorners(const QRectF& box) {
-    const double radius = std::min<double>(metrics::radiusSlice, box.width() / 2);
-    const QRectF strip(box.left(), box.top(), box.width(), radius);
-    QPainterPath square;
-    square.addRect(strip);
-    QPainterPath round;
-    round.addRoundedRect(strip.adjusted(0, 0, 0, 2 * radius), radius, radius);
-    return square.subtracted(round);
-}
-
 } // namespace
 
 DayChart::DayChart(QWidget* parent)
@@ -91,6 +75,7 @@ DayChart::DayChart(QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     reportRole(this, QAccessible::Chart);
     setAccessibleName(QStringLiteral("日別の記録"));
+    setRenderHint(QPainter::Antialiasing);
     chart()->setMargins({});
     chart()->layout()->setContentsMargins(0, 0, 0, 0);
     chart()->setBackgroundVisible(false);
@@ -265,28 +250,21 @@ void DayChart::changeEvent(QEvent* event) {
     }
 }
 
-/// What the library lacks: the base line without marks, the gap below each piece of a bar, and the round
-/// corners of the topmost one.
+/// What the library lacks: the base line without marks, the unit above the hours, and the shape of the bars.
 void DayChart::drawForeground(QPainter* painter, const QRectF&) {
     const Colors& colors = colorsOf(palette());
     const QRectF plot = chart()->plotArea();
     painter->save();
-    painter->fillRect(QRectF(plot.left(), plot.bottom(), plot.width(), 1), colors.divider);
-    const auto all = pieces();
-    for (const Piece& piece : all) {
-        painter->fillRect(
-            QRectF(piece.box.left(), piece.box.bottom() - segmentGap, piece.box.width(), segmentGap),
-            colors.window);
-    }
-    painter->setRenderHint(QPainter::Antialiasing);
-    for (const Piece& piece : all) {
+    for (const Piece& piece : pieces()) {
+        cutGap(*painter, piece.box, plot.bottom(), colors.window);
         if (piece.isTop) {
-            painter->fillPath(upperCorners(onPixels(piece.box)), colors.window);
+            cutUpperCorners(*painter, piece.box, colors.window);
         }
     }
+    painter->fillRect(QRectF(plot.left(), plot.bottom() - 0.5, plot.width(), 1), colors.divider);
     painter->setFont(fontOf(TextStyle::caption2));
     painter->setPen(colors.textTertiary);
-    painter->drawText(QPointF(0, 11), QStringLiteral("時間"));
+    painter->drawText(QPointF(0, unitBaseline), QStringLiteral("時間"));
     painter->restore();
 }
 

@@ -27,7 +27,6 @@ struct ReportFigures {
 
     /// Over the days that have records; 0 without any.
     [[nodiscard]] double dailyAverage() const;
-    bool operator==(const ReportFigures&) const = default;
 };
 
 /// `items` are clipped to `range`; `calendar` is the report's.

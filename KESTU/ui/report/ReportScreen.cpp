@@ -22,6 +22,19 @@ namespace {
 constexpr int padding = 24;
 constexpr int widestColumn = 980;
 
+/// Lays out from the inside out at once. Left to events, each level waits for the one within it, and the
+/// report jumps while another period is put in its place.
+void settle(const QWidget& widget) {
+    for (QObject* child : widget.children()) {
+        if (const auto* inner = qobject_cast<QWidget*>(child)) {
+            settle(*inner);
+        }
+    }
+    if (widget.layout()) {
+        widget.layout()->activate();
+    }
+}
+
 } // namespace
 
 ReportScreen::ReportScreen(AppModel& model, QWidget* parent)
@@ -126,6 +139,7 @@ void ReportScreen::refresh() {
     m_header->display(m_period, periodTitle(m_period, key.range, calendar()),
                       key.range.start <= now && now < key.range.end);
     m_view->display(m_period, reportFigures(m_items, key.range, calendar()), calendar());
+    settle(*m_view);
 }
 
 void ReportScreen::load(const LoadKey& key) {
