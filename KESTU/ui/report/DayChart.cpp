@@ -73,6 +73,7 @@ DayChart::DayChart(QWidget* parent)
     setFixedHeight(chartHeight);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
+    viewport()->setFocusPolicy(Qt::NoFocus);
     reportRole(this, QAccessible::Chart);
     setAccessibleName(QStringLiteral("日別の記録"));
     setRenderHint(QPainter::Antialiasing);
