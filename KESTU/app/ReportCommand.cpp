@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ReportCommand.h"
 
-#include "base/AtomicFile.h"
+#include "app/ReportExport.h"
 #include "base/LocalClock.h"
 #include "classify/Resolution.h"
 #include "reports/ReportBuilder.h"
@@ -33,12 +33,10 @@ const QString help =
                    "\n"
                    "環境変数 KESTU_DB_PATH で、読み書きするデータベースを指定できます。\n");
 
-enum class Format { markdown, csv };
-
 struct ReportRequest {
     ReportPeriod period = ReportPeriod::week;
     QDate date; // invalid for today
-    Format format = Format::markdown;
+    ReportFormat format = ReportFormat::markdown;
     ReportBuilder::Options options;
     QString output; // empty for standard output
 };
@@ -82,7 +80,7 @@ std::variant<ReportRequest, QString> parsedRequest(const QStringList& arguments)
     return ReportRequest{
         .period = *wantedPeriod,
         .date = day,
-        .format = isCsv ? Format::csv : Format::markdown,
+        .format = isCsv ? ReportFormat::csv : ReportFormat::markdown,
         .options = {.includeDetails = !parser.isSet(noDetails), .includeTimeline = !parser.isSet(noTimeline)},
         .output = parser.value(output)};
 }
@@ -100,7 +98,7 @@ QString reportText(const ReportRequest& request, const CommandContext& context) 
                                .options = request.options,
                                .notes = {},
                                .calendar = calendar};
-    return request.format == Format::csv ? report.csv() : report.markdown();
+    return textOf(report, request.format);
 }
 
 CommandResult failure(const QString& message) {
@@ -113,8 +111,8 @@ CommandResult runReport(const ReportRequest& request, const CommandContext& cont
         if (request.output.isEmpty()) {
             return {.exitCode = 0, .output = text, .errors = {}};
         }
-        const auto reason = replaceFile(request.output, text.toUtf8());
-        return reason ? failure(QStringLiteral("保存できませんでした：") + *reason) : CommandResult{};
+        const auto reason = saveReport(request.output, text);
+        return reason ? failure(*reason) : CommandResult{};
     } catch (const DatabaseError& error) {
         return failure(error.description());
     }

@@ -5,12 +5,12 @@
 #include "ui/Commands.h"
 #include "ui/ManualEntrySheet.h"
 #include "ui/PermissionBanner.h"
-#include "ui/PlaceholderScreen.h"
 #include "ui/Sidebar.h"
 #include "ui/WelcomeSheet.h"
 #include "ui/controls/Alert.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/projects/ProjectsScreen.h"
+#include "ui/report/ReportScreen.h"
 #include "ui/settings/SettingsScreen.h"
 #include "ui/timeline/TimelineScreen.h"
 
@@ -111,9 +111,9 @@ QWidget* MainWindow::makeScreen(SidebarItem item) {
     case SidebarItem::settings:
         return new SettingsScreen(m_model);
     case SidebarItem::report:
-        break;
+        return new ReportScreen(m_model);
     }
-    return new PlaceholderScreen(sidebarEntries[static_cast<size_t>(item)]);
+    return nullptr;
 }
 
 void MainWindow::refreshScreen() {

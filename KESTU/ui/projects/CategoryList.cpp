@@ -2,8 +2,8 @@
 #include "ui/projects/CategoryList.h"
 
 #include "app/AppModel.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/Surfaces.h"
+#include "ui/parts/Texts.h"
 #include "ui/projects/CategoryCard.h"
 #include "ui/projects/RowSync.h"
 

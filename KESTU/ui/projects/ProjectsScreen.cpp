@@ -2,9 +2,9 @@
 #include "ui/projects/ProjectsScreen.h"
 
 #include "app/AppModel.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/SegmentedPicker.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 #include "ui/projects/AddCategoryRow.h"
 #include "ui/projects/CategoryList.h"
 #include "ui/projects/RowSync.h"

@@ -2,9 +2,9 @@
 #include "ui/projects/RuleRow.h"
 
 #include "app/AppModel.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/Badge.h"
 #include "ui/controls/IconButton.h"
+#include "ui/parts/Texts.h"
 #include "ui/projects/RulePickers.h"
 
 #include <QHBoxLayout>

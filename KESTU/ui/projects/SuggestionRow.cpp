@@ -3,10 +3,10 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/Badge.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/Surfaces.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/KestuStyle.h"
 
 #include <QHBoxLayout>

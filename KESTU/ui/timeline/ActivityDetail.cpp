@@ -3,12 +3,12 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/FlowLayout.h"
 #include "ui/controls/IconButton.h"
 #include "ui/controls/TextLabel.h"
-#include "ui/theme/KestuStyle.h"
 #include "ui/parts/CategoryPicker.h"
+#include "ui/parts/Texts.h"
+#include "ui/theme/KestuStyle.h"
 
 #include <QPushButton>
 #include <QVBoxLayout>

@@ -3,10 +3,10 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/IconButton.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Icons.h"
 #include "ui/timeline/DayDrafts.h"
 

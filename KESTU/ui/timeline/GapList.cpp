@@ -4,8 +4,8 @@
 #include "app/AppModel.h"
 #include "base/Text.h"
 #include "classify/DurationText.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/KestuStyle.h"
 #include "ui/timeline/DayDrafts.h"
 

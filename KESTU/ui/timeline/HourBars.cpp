@@ -2,8 +2,8 @@
 #include "ui/timeline/HourBars.h"
 
 #include "app/AppModel.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/Painted.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Strokes.h"
 #include "ui/timeline/DayDrafts.h"
 #include "ui/timeline/DeleteQuestion.h"

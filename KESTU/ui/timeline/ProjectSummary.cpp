@@ -3,11 +3,11 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/FlowLayout.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/Roles.h"
 #include "ui/controls/TagChip.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Strokes.h"
 
 #include <QEvent>

@@ -3,12 +3,12 @@
 
 #include "base/Text.h"
 #include "classify/DurationText.h"
-#include "ui/parts/Texts.h"
 #include "ui/controls/FormSection.h"
 #include "ui/controls/SegmentedPicker.h"
 #include "ui/controls/SwitchButton.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/parts/CategoryPicker.h"
+#include "ui/parts/Texts.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>

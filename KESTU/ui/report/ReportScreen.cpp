@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/report/ReportScreen.h"
+
+#include "app/AppModel.h"
+#include "ui/report/ExportSection.h"
+#include "ui/report/ReportFigures.h"
+#include "ui/report/ReportHeader.h"
+#include "ui/report/ReportView.h"
+#include "ui/theme/Theme.h"
+
+#include <QClipboard>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScrollArea>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+namespace kestu {
+namespace {
+
+constexpr int padding = 24;
+constexpr int widestColumn = 980;
+
+/// Lays out from the inside out at once. Left to events, each level waits for the one within it, and the
+/// report jumps while another period is put in its place.
+void settle(const QWidget& widget) {
+    for (QObject* child : widget.children()) {
+        if (const auto* inner = qobject_cast<QWidget*>(child)) {
+            settle(*inner);
+        }
+    }
+    if (widget.layout()) {
+        widget.layout()->activate();
+    }
+}
+
+} // namespace
+
+ReportScreen::ReportScreen(AppModel& model, QWidget* parent)
+    : QWidget(parent)
+    , askForPath([this](const auto& question, const auto& chosen) { askWhereToSave(this, question, chosen); })
+    , m_model(model)
+    , m_header(new ReportHeader)
+    , m_view(new ReportView(model))
+    , m_export(new ExportSection)
+    , m_anchor(model.now())
+    , m_folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {
+    auto* scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(makeColumn());
+    scroll->viewport()->setAutoFillBackground(false);
+    scroll->widget()->setAutoFillBackground(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(scroll);
+    connectControls();
+
+    m_refreshTimer.setSingleShot(true);
+    connect(&m_refreshTimer, &QTimer::timeout, this, &ReportScreen::refresh);
+    for (const auto changed :
+         {&AppModel::revisionChanged, &AppModel::projectsChanged, &AppModel::tagsChanged}) {
+        connect(&m_model, changed, this, &ReportScreen::refreshSoon);
+    }
+}
+
+QWidget* ReportScreen::makeColumn() {
+    auto* column = new QWidget;
+    column->setMaximumWidth(widestColumn);
+    auto* sections = new QVBoxLayout(column);
+    sections->setContentsMargins(padding, padding, padding, padding);
+    sections->setSpacing(padding);
+    sections->addWidget(m_header);
+    sections->addWidget(m_view);
+    sections->addWidget(m_export);
+    sections->addStretch();
+    auto* leading = new QWidget;
+    auto* row = new QHBoxLayout(leading);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(column, 1);
+    row->addStretch();
+    return leading;
+}
+
+void ReportScreen::connectControls() {
+    connect(m_header, &ReportHeader::periodChosen, this,
+            [this](ReportPeriod period) { select(period, m_anchor); });
+    connect(m_header, &ReportHeader::stepped, this, [this](StepDirection direction) {
+        select(m_period, step(m_period, m_anchor, direction, calendar()));
+    });
+    connect(m_header, &ReportHeader::nowRequested, this, [this] { select(m_period, m_model.now()); });
+    connect(m_export, &ExportSection::optionsChanged, this, [this] { setCopied(false); });
+    connect(m_export, &ExportSection::copyRequested, this, &ReportScreen::copy);
+    connect(m_export, &ExportSection::saveRequested, this, &ReportScreen::save);
+}
+
+Calendar ReportScreen::calendar() const {
+    return reportCalendar(m_model.calendar());
+}
+
+Interval ReportScreen::range() const {
+    return periodInterval(m_period, m_anchor, calendar());
+}
+
+void ReportScreen::select(ReportPeriod period, Instant anchor) {
+    m_period = period;
+    m_anchor = anchor;
+    refreshSoon();
+}
+
+/// Once for everything that comes before the event loop is idle; a hidden screen waits until it is shown.
+void ReportScreen::refreshSoon() {
+    m_isOutdated = true;
+    if (isVisible()) {
+        m_refreshTimer.start();
+    }
+}
+
+void ReportScreen::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_isOutdated) {
+        refresh();
+    }
+}
+
+void ReportScreen::refresh() {
+    m_refreshTimer.stop();
+    if (!isVisible()) {
+        return;
+    }
+    m_isOutdated = false;
+    const LoadKey key{.period = m_period, .range = range(), .revision = m_model.revision()};
+    if (m_loaded != key) {
+        load(key);
+    }
+    const Instant now = m_model.now();
+    m_header->display(m_period, periodTitle(m_period, key.range, calendar()),
+                      key.range.start <= now && now < key.range.end);
+    m_view->display(m_period, reportFigures(m_items, key.range, calendar()), calendar());
+    settle(*m_view);
+}
+
+void ReportScreen::load(const LoadKey& key) {
+    if (m_loaded && m_loaded->range != key.range) {
+        setCopied(false);
+    }
+    m_loaded = key;
+    m_items = m_model.loadItems(key.range);
+    Q_EMIT loaded();
+}
+
+ReportBuilder ReportScreen::makeBuilder() {
+    if (m_isOutdated) {
+        refresh(); // never the items of one period under the dates of another
+    }
+    return {.range = range(),
+            .items = m_items,
+            .projects = m_model.projects(),
+            .tags = m_model.tags(),
+            .options = m_export->options(),
+            .notes = {},
+            .calendar = calendar()};
+}
+
+void ReportScreen::setCopied(bool copied) {
+    m_export->setCopied(copied);
+}
+
+void ReportScreen::copy() {
+    QGuiApplication::clipboard()->setText(textOf(makeBuilder(), ReportFormat::markdown));
+    setCopied(true);
+}
+
+void ReportScreen::save(ReportFormat format) {
+    const QString text = textOf(makeBuilder(), format);
+    const SaveQuestion question{.format = format,
+                                .folder = m_folder,
+                                .fileName =
+                                    exportFileName(m_period, range(), extensionOf(format), calendar())};
+    askForPath(question, [this, text](const QString& path) { write(path, text); });
+}
+
+void ReportScreen::write(const QString& path, const QString& text) {
+    if (const auto failure = saveReport(path, text)) {
+        m_model.setErrorMessage(*failure);
+        return;
+    }
+    m_folder = QFileInfo(path).absolutePath();
+}
+
+void ReportScreen::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), colorsOf(palette()).window);
+}
+
+} // namespace kestu
