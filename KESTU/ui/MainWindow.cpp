@@ -8,6 +8,7 @@
 #include "ui/Sidebar.h"
 #include "ui/WelcomeSheet.h"
 #include "ui/controls/Alert.h"
+#include "ui/controls/Settling.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/projects/ProjectsScreen.h"
 #include "ui/report/ReportScreen.h"
@@ -124,6 +125,7 @@ void MainWindow::refreshScreen() {
         m_screens->addWidget(screen);
     }
     m_screens->setCurrentWidget(screen);
+    settle(*this);
     // The report has the application's name alone.
     setWindowTitle(m_model.screen() == SidebarItem::report ? QStringLiteral("KESTU")
                                                            : sidebarEntries[index].label.toString());
@@ -174,6 +176,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     event->accept();
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    settle(*this);
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

@@ -2,6 +2,7 @@
 #include "ui/report/ReportScreen.h"
 
 #include "app/AppModel.h"
+#include "ui/controls/Settling.h"
 #include "ui/report/ExportSection.h"
 #include "ui/report/ReportFigures.h"
 #include "ui/report/ReportHeader.h"
@@ -21,19 +22,6 @@ namespace {
 
 constexpr int padding = 24;
 constexpr int widestColumn = 980;
-
-/// Lays out from the inside out at once. Left to events, each level waits for the one within it, and the
-/// report jumps while another period is put in its place.
-void settle(const QWidget& widget) {
-    for (QObject* child : widget.children()) {
-        if (const auto* inner = qobject_cast<QWidget*>(child)) {
-            settle(*inner);
-        }
-    }
-    if (widget.layout()) {
-        widget.layout()->activate();
-    }
-}
 
 } // namespace
 
@@ -139,7 +127,7 @@ void ReportScreen::refresh() {
     m_header->display(m_period, periodTitle(m_period, key.range, calendar()),
                       key.range.start <= now && now < key.range.end);
     m_view->display(m_period, reportFigures(m_items, key.range, calendar()), calendar());
-    settle(*m_view);
+    settle(*this);
 }
 
 void ReportScreen::load(const LoadKey& key) {
