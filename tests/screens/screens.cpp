@@ -13,6 +13,7 @@
 #include "ui/MenuBarView.h"
 #include "ui/theme/KestuStyle.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 
@@ -28,6 +29,7 @@ using namespace Qt::StringLiterals;
 
 constexpr QSize sizes[] = {{900, 560}, {1100, 720}};
 constexpr QSize large{1920, 1200};
+constexpr QSize tall{1100, 1400};
 
 void save(QWidget& widget, const QDir& folder, const QString& name) {
     widget.show();
@@ -38,6 +40,17 @@ void save(QWidget& widget, const QDir& folder, const QString& name) {
     }
 }
 
+/// Presses the shown button of this text.
+void press(const QWidget& window, const QString& text) {
+    for (auto* button : window.findChildren<QAbstractButton*>()) {
+        if (button->isVisible() && (button->text() == text || button->accessibleName() == text)) {
+            button->click();
+            return;
+        }
+    }
+    throw std::runtime_error("there is no button " + text.toStdString());
+}
+
 class Studio final {
 public:
     Studio(const QDir& folder, QString theme)
@@ -45,6 +58,7 @@ public:
         , m_theme(std::move(theme)) {
         m_store.now = test::sampleNow;
         test::fillSampleDay(*m_store.repository);
+        test::fillSampleWeek(*m_store.repository);
         m_platform.fakeSettings.booleans[u"welcomeShown"_s] = true;
         m_platform.fakeSettings.dictionaries[u"excludedApps"_s] = {
             {u"org.keepassxc.KeePassXC"_s, u"KeePassXC"_s}, {u"org.signal.Signal"_s, u"Signal"_s}};
@@ -78,6 +92,8 @@ private:
         model.setSelectedActivityId(notes->activity.id);
         renderWindow(model, commands, u"timeline"_s);
         renderWindow(model, commands, u"timeline"_s, large);
+        renderPressed(model, commands, u"sheet-rule"_s, {u"振り分ける…"_s});
+        renderPressed(model, commands, u"sheet-note"_s, {u"編集"_s});
         model.setSelectedActivityId(std::nullopt);
         model.shiftDay(-1);
         renderWindow(model, commands, u"timeline-empty"_s);
@@ -89,8 +105,15 @@ private:
             if (entry.item != SidebarItem::timeline) {
                 model.setScreen(entry.item);
                 renderWindow(model, commands, entry.raw.toString());
+                renderWindow(model, commands, entry.raw.toString(), tall);
             }
         }
+        model.setScreen(SidebarItem::report);
+        renderPressed(model, commands, u"report-week-before"_s, {u"前の週"_s});
+        renderPressed(model, commands, u"report-month"_s, {u"月"_s});
+        model.setScreen(SidebarItem::projects);
+        renderPressed(model, commands, u"projects-tags"_s, {u"タグ"_s});
+        renderPressed(model, commands, u"projects-delete"_s, {u"削除"_s});
         model.setScreen(SidebarItem::timeline);
     }
 
@@ -119,6 +142,20 @@ private:
     void renderWindow(AppModel& model, Commands& commands, const QString& name) {
         for (const QSize& size : sizes) {
             renderWindow(model, commands, name, size);
+        }
+    }
+
+    /// After these buttons have been pressed.
+    void renderPressed(AppModel& model, Commands& commands, const QString& name, const QStringList& buttons) {
+        for (const QSize& size : sizes) {
+            auto window = std::make_unique<MainWindow>(model, commands);
+            window->resize(size);
+            window->show();
+            for (const QString& button : buttons) {
+                press(*window, button);
+                QApplication::processEvents();
+            }
+            render(std::move(window), u"%1-%2x%3"_s.arg(name).arg(size.width()).arg(size.height()));
         }
     }
 

@@ -136,4 +136,33 @@ inline void fillSampleDay(Repository& repository) {
     repository.database().transaction([&] { writeSampleDay(repository); });
 }
 
+/// The week before the sample day: Monday, 9 November to Sunday, 15 November, without the Saturday.
+inline void fillSampleWeek(Repository& repository) {
+    using namespace Qt::StringLiterals;
+    constexpr double hours[][4] = {{4.6, 1.6, 0.6, 0}, {3.2, 2.9, 0, 0.4}, {5.0, 0.7, 0, 0.3},
+                                   {2.8, 3.3, 1.2, 0}, {3.6, 0.9, 0, 2.1}, {},
+                                   {0, 1.2, 1.8, 0}}; // by project: A社案件, KESTU開発, 学習, 請求・経理
+    constexpr ProjectId projects[] = {1, 2, 4, 3};
+    const QString apps[] = {u"Firefox"_s, u"エディタ"_s, u"ターミナル"_s, u"表計算"_s};
+    repository.database().transaction([&] {
+        for (int day = 0; day < 7; ++day) {
+            Instant start = sampleDay + Seconds{(day - 9) * 86400.0 + 9 * 3600};
+            for (std::size_t part = 0; part < 4; ++part) {
+                const Seconds length{hours[day][part] * 3600};
+                if (length > Seconds{0}) {
+                    const auto id = repository.insertActivity(
+                        {.bundleId = u"jp.example."_s + apps[part],
+                         .appName = apps[part],
+                         .title = u"作業"_s,
+                         .url = part == 0 ? std::optional(u"https://github.com/"_s) : std::nullopt},
+                        start);
+                    repository.extendActivity(id, start + length);
+                    repository.setProject(std::span(&id, 1), projects[part]);
+                    start += length;
+                }
+            }
+        }
+    });
+}
+
 } // namespace kestu::test
