@@ -169,7 +169,7 @@ struct FakeAppearance final : Appearance {
     }
 };
 
-struct FakePlatform final : Platform {
+struct FakePlatform : Platform {
     FakeWorkspace fakeWorkspace;
     FakeScripting fakeScripting;
     FakeInput fakeInput;

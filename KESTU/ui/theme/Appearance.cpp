@@ -7,10 +7,12 @@
 
 #include <QAbstractSpinBox>
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
 #include <QToolTip>
+#include <QTranslator>
 
 namespace kestu {
 
@@ -42,7 +44,16 @@ void reserveTrailing(QAbstractSpinBox* field, int width) {
     field->setProperty(trailingProperty, width);
 }
 
+/// What Qt itself says: the menus of text fields, the dialog that asks for a file.
+static void speakJapanese(QApplication& application) {
+    auto* words = new QTranslator(&application);
+    if (words->load(QStringLiteral("qtbase_ja"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(words);
+    }
+}
+
 void installStyle(QApplication& application) {
+    speakJapanese(application);
     application.setStyle(new KestuStyle); // which the application owns from here on
     for (const Qt::UIEffect effect : {Qt::UI_AnimateMenu, Qt::UI_FadeMenu, Qt::UI_AnimateCombo,
                                       Qt::UI_AnimateTooltip, Qt::UI_FadeTooltip}) {

@@ -66,7 +66,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
-/// Once, before the first window.
+/// Once, before the first window. From then on Qt's own words are Japanese, too.
 void installStyle(QApplication& application);
 /// The whole of a live switch.
 void applyTheme(QApplication& application, const Colors& colors);
