@@ -9,11 +9,17 @@
 #include "support/SampleDay.h"
 #include "ui/Commands.h"
 #include "ui/MainWindow.h"
+#include "ui/projects/ProjectsScreen.h"
+#include "ui/report/ReportScreen.h"
 #include "ui/theme/KestuStyle.h"
 #include "ui/timeline/HourBars.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QScrollArea>
 
 #include <benchmark/benchmark.h>
 
@@ -25,6 +31,9 @@ using namespace Qt::StringLiterals;
 constexpr int years = 10;
 constexpr int projectCount = 20;
 constexpr int ruleCount = 100;
+constexpr int manyCategories = 200;
+constexpr int manyRules = 1000;
+constexpr int suggestionCount = 20;
 
 void addCategories(Repository& repository) {
     for (int index = 0; index < projectCount; ++index) {
@@ -37,10 +46,25 @@ void addCategories(Repository& repository) {
     }
 }
 
-/// Runs the event loop until the bars have been drawn once more.
+void addManyCategories(Repository& repository) {
+    for (int index = projectCount; index < manyCategories; ++index) {
+        repository.insertCategory(CategoryKind::project, u"案件 %1"_s.arg(index), u"#27AE60"_s);
+    }
+    for (int index = ruleCount; index < manyRules; ++index) {
+        repository.insertRule({.kind = CategoryKind::project, .id = index % manyCategories + 1},
+                              RuleField::title, RuleOperator::contains, u"その %1"_s.arg(index + 11));
+    }
+    for (int index = 0; index < suggestionCount; ++index) {
+        repository.database().run(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, value, "
+                                  "created_at) VALUES ('project', '案件 1', 'title', 'contains', ?, 0)"_s,
+                                  {u"月の定例 %1"_s.arg(index)});
+    }
+}
+
+/// Runs the event loop until a widget has been drawn once more.
 class Frame final : public QObject {
 public:
-    explicit Frame(HourBars& bars) { bars.installEventFilter(this); }
+    explicit Frame(QWidget& widget) { widget.installEventFilter(this); }
 
     void wait() {
         for (m_isDrawn = false; !m_isDrawn;) {
@@ -76,6 +100,7 @@ public:
 
     [[nodiscard]] AppModel& model() { return *m_model; }
     [[nodiscard]] MainWindow& window() { return *m_window; }
+    [[nodiscard]] bench::RecordedYears& file() { return m_file; }
     [[nodiscard]] HourBars& bars() { return *m_window->findChild<HourBars*>(); }
 
 private:
@@ -115,6 +140,66 @@ void switchDay(benchmark::State& state, Desk& desk) {
     desk.model().goToToday();
 }
 
+void press(const QWidget& window, const QString& text) {
+    for (auto* button : window.findChildren<QAbstractButton*>()) {
+        if (button->isVisible() && (button->text() == text || button->accessibleName() == text)) {
+            button->click();
+            return;
+        }
+    }
+}
+
+/// A month of 46,500 activities that was outdated while another screen was shown.
+void openMonth(benchmark::State& state, Desk& desk) {
+    AppModel& model = desk.model();
+    model.setScreen(SidebarItem::report);
+    QApplication::processEvents();
+    auto& report = *desk.window().findChild<ReportScreen*>();
+    press(report, u"月"_s);
+    press(report, u"前の月"_s); // a whole one: 31 days
+    QApplication::processEvents();
+    Frame frame(report);
+    for ([[maybe_unused]] auto iteration : state) {
+        state.PauseTiming();
+        model.setScreen(SidebarItem::timeline);
+        model.deleteRule(-1); // a write that finds nothing to change, and the reload after it
+        QApplication::processEvents();
+        state.ResumeTiming();
+        model.setScreen(SidebarItem::report);
+        frame.wait();
+    }
+    model.setScreen(SidebarItem::timeline);
+}
+
+void openCategories(benchmark::State& state, Desk& desk) {
+    addManyCategories(*desk.file().open());
+    desk.model().deleteRule(-1);
+    for ([[maybe_unused]] auto iteration : state) {
+        desk.model().setScreen(SidebarItem::projects);
+        Frame(*desk.window().findChild<ProjectsScreen*>()).wait();
+    }
+}
+
+void typeInName(benchmark::State& state, Desk& desk) {
+    desk.model().setScreen(SidebarItem::projects);
+    QApplication::processEvents();
+    auto& screen = *desk.window().findChild<ProjectsScreen*>();
+    QLineEdit* name = nullptr;
+    for (auto* field : screen.findChildren<QLineEdit*>()) {
+        name = field->text().startsWith(u"案件 0"_s) ? field : name;
+    }
+    screen.findChild<QScrollArea*>()->ensureWidgetVisible(name); // below the suggestions
+    QApplication::processEvents();
+    Frame frame(*name);
+    for ([[maybe_unused]] auto iteration : state) {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, u"x"_s);
+        QApplication::sendEvent(name, &key);
+        frame.wait();
+    }
+    state.counters["categories"] = static_cast<double>(desk.model().projects().size());
+    state.counters["rules"] = static_cast<double>(desk.model().rules().size());
+}
+
 void registerAll(Desk& desk) {
     const auto add = [&desk](const char* name, auto measure) {
         benchmark::RegisterBenchmark(name,
@@ -136,6 +221,13 @@ void registerAll(Desk& desk) {
     });
     add("timeline/select a slice", selectSlice);
     add("timeline/switch the day", switchDay);
+    add("report/open a month", openMonth);
+    benchmark::RegisterBenchmark("categories/open",
+                                 [&desk](benchmark::State& state) { openCategories(state, desk); })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(1); // which makes the screen
+    add("categories/type in a name", typeInName);
 }
 
 } // namespace

@@ -221,7 +221,13 @@ QHash<SuggestionId, double> AppModel::impactsSince(Instant from) {
 
 void AppModel::readDay() {
     const Interval day = dayFrom(m_selectedDay);
-    assign(m_dayItems, resolved(activitiesIn(day), m_rules), &AppModel::dayItemsChanged);
+    std::vector<Activity> activities = activitiesIn(day);
+    // A thousand rules over a full day take longer than one key of a name that is being typed.
+    if (activities != m_dayActivities || m_rules != m_dayRules) {
+        assign(m_dayItems, resolved(activities, m_rules), &AppModel::dayItemsChanged);
+        m_dayActivities = std::move(activities);
+        m_dayRules = m_rules;
+    }
     assign(m_dayNote, m_repository->dailyNote(dayKey(day.start, calendar())), &AppModel::dayNoteChanged);
     assign(m_todayTotal, readTodayTotal(), &AppModel::todayTotalChanged);
 }

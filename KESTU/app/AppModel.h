@@ -283,6 +283,8 @@ private:
     QMap<QString, QString> m_excludedApps;
     bool m_launchAtLogin = false;
 
+    std::vector<Activity> m_dayActivities; // what the day's items were resolved from
+    std::vector<Rule> m_dayRules;
     Instant m_lastReload{}; // of the day
     Instant m_todayAtReload{};
     std::int64_t m_lastDataVersion = 0;
