@@ -11,8 +11,8 @@
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TagChip.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/CategoryPicker.h"
 
-#include <QComboBox>
 #include <QDateTime>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -95,43 +95,62 @@ FormSection* ManualEntrySheet::makeContent() {
     return section;
 }
 
-QComboBox* ManualEntrySheet::makeProjects() {
-    auto* projects = new QComboBox;
-    projects->setFixedWidth(controlWidth);
-    projects->addItem(QStringLiteral("未分類"));
-    for (const Project& project : m_model.projects()) {
-        projects->addItem(project.name, QVariant::fromValue(project.id));
-        if (project.id == m_draft.projectId) {
-            projects->setCurrentIndex(projects->count() - 1);
-        }
-    }
-    connect(projects, &QComboBox::currentIndexChanged, this, [this, projects] {
-        const QVariant id = projects->currentData();
-        m_draft.projectId = id.isValid() ? std::optional(id.value<ProjectId>()) : std::nullopt;
-    });
-    return projects;
+CategoryPicker* ManualEntrySheet::makeProjects() {
+    m_projects = new CategoryPicker(CategoryPicker::Divider::none);
+    m_projects->setFixedWidth(controlWidth);
+    connect(m_projects, &QComboBox::currentIndexChanged, this,
+            [this] { m_draft.projectId = m_projects->chosen(); });
+    connect(&m_model, &AppModel::projectsChanged, this, &ManualEntrySheet::showProjects);
+    showProjects();
+    return m_projects;
+}
+
+/// Another process may have taken the chosen one away.
+void ManualEntrySheet::showProjects() {
+    const auto chosen = m_draft.projectId;
+    const bool isThere = chosen && m_model.project(*chosen);
+    m_projects->showCategories(QStringLiteral("未分類"), m_model, CategoryKind::project,
+                               isThere ? chosen : std::nullopt);
+    m_draft.projectId = m_projects->chosen();
 }
 
 QWidget* ManualEntrySheet::makeTags() {
-    auto* tags = new QWidget;
-    auto* flow = new FlowLayout(6, tags);
+    m_tags = new QWidget;
+    m_flow = new FlowLayout(6, m_tags);
+    connect(&m_model, &AppModel::tagsChanged, this, &ManualEntrySheet::showTags);
+    showTags();
+    return m_tags;
+}
+
+void ManualEntrySheet::showTags() {
+    QSet<TagId> known;
     for (const Tag& tag : m_model.tags()) {
-        const auto look = [this, tag] {
-            return TagChip::Look{.name = tag.name,
-                                 .color = colorFromText(tag.colorHex),
-                                 .on = m_draft.tagIds.contains(tag.id),
-                                 .note = {}};
-        };
-        auto* chip = new TagChip(look(), TagChip::Kind::clickable);
-        connect(chip, &QAbstractButton::clicked, this, [this, chip, look, id = tag.id] {
-            if (!m_draft.tagIds.remove(id)) {
-                m_draft.tagIds.insert(id);
-            }
-            chip->setLook(look());
-        });
-        flow->addWidget(chip);
+        known.insert(tag.id);
     }
-    return tags;
+    m_draft.tagIds.intersect(known);
+    qDeleteAll(m_chips);
+    m_chips.clear();
+    for (const Tag& tag : m_model.tags()) {
+        m_chips.push_back(makeChip(tag));
+        m_flow->addWidget(m_chips.back());
+    }
+}
+
+TagChip* ManualEntrySheet::makeChip(const Tag& tag) {
+    const auto look = [this, tag] {
+        return TagChip::Look{.name = tag.name,
+                             .color = colorFromText(tag.colorHex),
+                             .on = m_draft.tagIds.contains(tag.id),
+                             .note = {}};
+    };
+    auto* chip = new TagChip(look(), TagChip::Kind::clickable);
+    connect(chip, &QAbstractButton::clicked, this, [this, chip, look, id = tag.id] {
+        if (!m_draft.tagIds.remove(id)) {
+            m_draft.tagIds.insert(id);
+        }
+        chip->setLook(look());
+    });
+    return chip;
 }
 
 /// Only what the user changed: the seconds of a time that was not touched stay.

@@ -7,14 +7,16 @@
 #include "app/ManualDraft.h"
 #include "ui/controls/Sheet.h"
 
-class QComboBox;
 class QLineEdit;
 
 namespace kestu {
 
 class AppModel;
+class CategoryPicker;
 class DateTimeField;
+class FlowLayout;
 class FormSection;
+class TagChip;
 class TextLabel;
 
 class ManualEntrySheet final : public Sheet {
@@ -30,7 +32,10 @@ private:
     [[nodiscard]] FormSection* makeTimes();
     [[nodiscard]] FormSection* makeContent();
     [[nodiscard]] QWidget* makeTags();
-    [[nodiscard]] QComboBox* makeProjects();
+    [[nodiscard]] TagChip* makeChip(const Tag& tag);
+    [[nodiscard]] CategoryPicker* makeProjects();
+    void showProjects();
+    void showTags();
     void takeTimes();
     void showTimes();
     void refresh();
@@ -44,6 +49,10 @@ private:
     TextLabel* m_warning;
     QWidget* m_warningRow = nullptr;
     QLineEdit* m_title;
+    CategoryPicker* m_projects = nullptr;
+    QWidget* m_tags = nullptr;
+    FlowLayout* m_flow = nullptr;
+    std::vector<TagChip*> m_chips;
     QPushButton* m_save;
 };
 
