@@ -178,7 +178,8 @@ void AppModel::dismissSuggestion(SuggestionId id) {
 }
 
 bool AppModel::saveDayNote(const QString& day, const QString& text) {
-    return write([&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
+    return write(
+        [&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
 }
 
 } // namespace kestu

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// A month to choose a day from, below the field that asks for one. It belongs to that field and deletes itself
-// once a day is chosen or the user turns away.
+// A month to choose a day from, below the field that asks for one. It belongs to that field and deletes
+// itself once a day is chosen or the user turns away.
 #pragma once
 
 #include <QDate>
