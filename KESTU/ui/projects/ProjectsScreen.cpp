@@ -25,16 +25,15 @@ constexpr int gap = 20;
 constexpr int pickerWidth = 280;
 
 QString explanationOf(CategoryKind kind) {
-    return kind == CategoryKind::project
-               ? QStringLiteral("プロジェクトは1つの区間に1つだけ付きます。プロジェクト別の時間を足すと、記録"
-                                "の合計とちょ"
-                                "うど一致します（請求・工数向き）。ルールは上から順に見て、最初に当てはまった"
-                                "ものを使いま"
-                                "す。")
-               : QStringLiteral(
-                     "タグは1つの区間にいくつでも付きます（「会議」「集中」「顧客A」など横断の切り口）。当て"
-                     "は"
-                     "まるルールはすべて効くので、タグ別の時間を足すと合計を超えることがあります。");
+    if (kind == CategoryKind::tag) {
+        return QStringLiteral(
+            "タグは1つの区間にいくつでも付きます（「会議」「集中」「顧客A」など横断の切り口）。"
+            "当てはまるルールはすべて効くので、"
+            "タグ別の時間を足すと合計を超えることがあります。");
+    }
+    return QStringLiteral("プロジェクトは1つの区間に1つだけ付きます。"
+                          "プロジェクト別の時間を足すと、記録の合計とちょうど一致します（請求・工数向き）。"
+                          "ルールは上から順に見て、最初に当てはまったものを使います。");
 }
 
 } // namespace
