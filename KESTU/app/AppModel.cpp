@@ -184,6 +184,12 @@ void AppModel::reloadDay() {
     m_todayAtReload = startOfToday();
     ++m_revision;
     const auto failure = failureOf([this] { readDay(); });
+    if (failure && m_shownDay != m_selectedDay) { // what another day held must not pass for this one's
+        m_dayActivities.clear();
+        assign(m_dayItems, std::vector<ResolvedActivity>(), &AppModel::dayItemsChanged);
+        assign(m_dayNote, std::nullopt, &AppModel::dayNoteChanged);
+    }
+    m_shownDay = m_selectedDay;
     Q_EMIT revisionChanged(); // after the reading: who redraws on it finds the new state
     report(Source::day, failure);
 }

@@ -20,6 +20,8 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kestu {
 namespace {
 
@@ -170,8 +172,14 @@ void MainWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
+/// What is half-typed in a sheet is nowhere else.
+bool MainWindow::isBeingWrittenIn() const {
+    const auto sheets = findChildren<Sheet*>();
+    return std::any_of(sheets.begin(), sheets.end(), [](const Sheet* sheet) { return sheet->holdsInput(); });
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (mayClose && !mayClose()) {
+    if ((mayClose && !mayClose()) || isBeingWrittenIn()) {
         event->ignore();
         return;
     }

@@ -43,6 +43,7 @@ protected:
 
 private:
     [[nodiscard]] QWidget* makeDetail();
+    [[nodiscard]] bool isBeingWrittenIn() const;
     [[nodiscard]] QWidget* makeScreen(SidebarItem item);
     void addShortcuts();
     void showWelcome();

@@ -9,9 +9,9 @@
 #include "ui/controls/FlowLayout.h"
 #include "ui/controls/FormSection.h"
 #include "ui/controls/Surfaces.h"
-#include "ui/controls/TagChip.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/parts/CategoryPicker.h"
+#include "ui/parts/Texts.h"
 
 #include <QDateTime>
 #include <QHBoxLayout>
@@ -19,12 +19,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <cmath>
+
 namespace kestu {
 namespace {
 
 constexpr int sheetWidth = 480;
 constexpr int sectionGap = 16;
 constexpr int controlWidth = 226;
+constexpr int widestChip = 290;
 constexpr Seconds shortestEntry{60};
 constexpr double smallestWarning = 60; // seconds
 
@@ -36,9 +39,20 @@ void showInstant(DateTimeField& field, Instant instant, const Calendar& calendar
     }
 }
 
-Instant instantIn(const DateTimeField& field, const Calendar& calendar) {
+/// Of two instants with the same time on the wall, as when the clocks are set back, the one near `former`.
+Instant instantIn(const DateTimeField& field, const Calendar& calendar, Instant former) {
     const QDateTime local(field.date(), field.time(), calendar.zone);
-    return instantAt(static_cast<double>(local.toSecsSinceEpoch()));
+    const Instant found = instantAt(static_cast<double>(local.toSecsSinceEpoch()));
+    const auto wall = LocalClock(calendar).at(found);
+    Instant nearest = found;
+    for (const Seconds shift : {Seconds{-3600}, Seconds{3600}}) {
+        const auto other = LocalClock(calendar).at(found + shift);
+        const bool isSame =
+            wall && other && wall->date == other->date && wall->secondOfDay == other->secondOfDay;
+        const auto distance = [former](Instant instant) { return std::abs((instant - former).count()); };
+        nearest = isSame && distance(found + shift) < distance(nearest) ? found + shift : nearest;
+    }
+    return nearest;
 }
 
 } // namespace
@@ -51,7 +65,8 @@ ManualEntrySheet::ManualEntrySheet(QWidget* host, AppModel& model)
     , m_end(new DateTimeField(QStringLiteral("終了")))
     , m_length(new TextLabel({}, TextStyle::callout, ink::secondary))
     , m_warning(new TextLabel({}, TextStyle::caption, ink::orange, Overflow::wrap))
-    , m_title(new QLineEdit(m_draft.title)) {
+    , m_title(new QLineEdit(m_draft.title))
+    , m_wantedEnd(m_draft.end) {
     setAccessibleName(QStringLiteral("手動の記録"));
     setFooterLine(true);
     content()->setSpacing(sectionGap);
@@ -66,6 +81,7 @@ ManualEntrySheet::ManualEntrySheet(QWidget* host, AppModel& model)
     refresh();
     connect(m_start, &DateTimeField::edited, this, &ManualEntrySheet::takeTimes);
     connect(m_end, &DateTimeField::edited, this, &ManualEntrySheet::takeTimes);
+    connect(&m_model, &AppModel::revisionChanged, this, &ManualEntrySheet::refresh); // what it replaces grew
 }
 
 FormSection* ManualEntrySheet::makeTimes() {
@@ -116,7 +132,7 @@ void ManualEntrySheet::showProjects() {
 
 QWidget* ManualEntrySheet::makeTags() {
     m_tags = new QWidget;
-    m_flow = new FlowLayout(6, m_tags);
+    m_chips.emplace(*new FlowLayout(6, m_tags));
     connect(&m_model, &AppModel::tagsChanged, this, &ManualEntrySheet::showTags);
     showTags();
     return m_tags;
@@ -128,27 +144,31 @@ void ManualEntrySheet::showTags() {
         known.insert(tag.id);
     }
     m_draft.tagIds.intersect(known);
-    qDeleteAll(m_chips);
-    m_chips.clear();
+    QStringList keys;
     for (const Tag& tag : m_model.tags()) {
-        m_chips.push_back(makeChip(tag));
-        m_flow->addWidget(m_chips.back());
+        keys += QString::number(tag.id);
+    }
+    m_chips->arrange(keys, [this](std::size_t index) { return makeChip(m_model.tags()[index].id); });
+    for (std::size_t index = 0; index < m_chips->rows().size(); ++index) {
+        m_chips->rows()[index]->setLook(lookOf(m_model.tags()[index].id));
     }
 }
 
-TagChip* ManualEntrySheet::makeChip(const Tag& tag) {
-    const auto look = [this, tag] {
-        return TagChip::Look{.name = tag.name,
-                             .color = colorFromText(tag.colorHex),
-                             .on = m_draft.tagIds.contains(tag.id),
-                             .note = {}};
-    };
-    auto* chip = new TagChip(look(), TagChip::Kind::clickable);
-    connect(chip, &QAbstractButton::clicked, this, [this, chip, look, id = tag.id] {
+TagChip::Look ManualEntrySheet::lookOf(TagId id) const {
+    return {.name = tagName(m_model, id),
+            .color = tagColor(m_model, id),
+            .on = m_draft.tagIds.contains(id),
+            .note = {}};
+}
+
+TagChip* ManualEntrySheet::makeChip(TagId id) {
+    auto* chip = new TagChip(lookOf(id), TagChip::Kind::clickable);
+    chip->setMaximumWidth(widestChip);
+    connect(chip, &QAbstractButton::clicked, this, [this, chip, id] {
         if (!m_draft.tagIds.remove(id)) {
             m_draft.tagIds.insert(id);
         }
-        chip->setLook(look());
+        chip->setLook(lookOf(id));
     });
     return chip;
 }
@@ -157,24 +177,24 @@ TagChip* ManualEntrySheet::makeChip(const Tag& tag) {
 void ManualEntrySheet::takeTimes() {
     const Calendar calendar = m_model.calendar();
     if (sender() == m_start) {
-        m_draft.start = instantIn(*m_start, calendar);
-        m_draft.end = std::max(m_draft.end, m_draft.start);
+        m_draft.start = instantIn(*m_start, calendar, m_draft.start);
     } else {
-        m_draft.end = instantIn(*m_end, calendar);
+        m_wantedEnd = instantIn(*m_end, calendar, m_draft.end);
     }
+    m_draft.end = std::max(m_wantedEnd, m_draft.start); // a half-typed start does not move it for good
     showTimes();
     refresh();
 }
 
 void ManualEntrySheet::showTimes() {
     const Calendar calendar = m_model.calendar();
-    m_end->clearMinimumDateTime();
     showInstant(*m_start, m_draft.start, calendar);
     showInstant(*m_end, m_draft.end, calendar);
-    m_end->setMinimumDateTime(m_start->dateTime());
+    m_end->setEarliest(m_start->dateTime());
 }
 
 void ManualEntrySheet::refresh() {
+    m_save->setEnabled(m_draft.end - m_draft.start >= shortestEntry);
     m_length->setText(formatDuration(lengthOf(m_draft.start, m_draft.end).count()));
     const double overlap = m_model.automaticOverlap(m_draft.start, m_draft.end);
     m_warning->setText(
@@ -182,7 +202,6 @@ void ManualEntrySheet::refresh() {
                        "置き換わります。")
             .arg(formatDuration(overlap)));
     m_warningRow->setVisible(overlap >= smallestWarning);
-    m_save->setEnabled(m_draft.end - m_draft.start >= shortestEntry);
 }
 
 void ManualEntrySheet::save() {

@@ -6,6 +6,10 @@
 
 #include "app/ManualDraft.h"
 #include "ui/controls/Sheet.h"
+#include "ui/controls/TagChip.h"
+#include "ui/parts/KeyedRows.h"
+
+#include <optional>
 
 class QLineEdit;
 
@@ -14,9 +18,7 @@ namespace kestu {
 class AppModel;
 class CategoryPicker;
 class DateTimeField;
-class FlowLayout;
 class FormSection;
-class TagChip;
 class TextLabel;
 
 class ManualEntrySheet final : public Sheet {
@@ -32,7 +34,8 @@ private:
     [[nodiscard]] FormSection* makeTimes();
     [[nodiscard]] FormSection* makeContent();
     [[nodiscard]] QWidget* makeTags();
-    [[nodiscard]] TagChip* makeChip(const Tag& tag);
+    [[nodiscard]] TagChip::Look lookOf(TagId id) const;
+    [[nodiscard]] TagChip* makeChip(TagId id);
     [[nodiscard]] CategoryPicker* makeProjects();
     void showProjects();
     void showTags();
@@ -49,10 +52,10 @@ private:
     TextLabel* m_warning;
     QWidget* m_warningRow = nullptr;
     QLineEdit* m_title;
+    Instant m_wantedEnd; // as the user left it, which a later start may push on
     CategoryPicker* m_projects = nullptr;
     QWidget* m_tags = nullptr;
-    FlowLayout* m_flow = nullptr;
-    std::vector<TagChip*> m_chips;
+    std::optional<KeyedRows<TagChip>> m_chips;
     QPushButton* m_save;
 };
 

@@ -14,6 +14,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -95,6 +96,26 @@ TEST_F(ManualEntryTest, SavesWhatIsShownAndKeepsTheSecondsOfWhatWasNotTouched) {
     open(test::sampleTime(10, 25), test::sampleTime(10, 31), id);
     saveButton()->click();
     EXPECT_EQ(entries(), "37500-37860 会議 1 1") << "corrected, not added";
+}
+
+TEST_F(ManualEntryTest, KeepsTimesThatWereOnlyLookedAtOrPassedThrough) {
+    open(test::sampleTime(10, 24) + Seconds{40}, test::sampleTime(10, 32) + Seconds{20});
+    QTest::keyClick(control<DateTimeField>(u"開始"_s), Qt::Key_Return); // in the field that has the focus
+    EXPECT_EQ(entries(), "37480-37940 会議 1 1") << "to the second";
+
+    open(test::sampleTime(12, 10), test::sampleTime(12, 30));
+    auto* start = control<DateTimeField>(u"開始"_s);
+    start->setTime(QTime(12, 50)); // half-typed
+    start->setTime(QTime(12, 5));
+    EXPECT_EQ(control<DateTimeField>(u"終了"_s)->time(), QTime(12, 30));
+}
+
+TEST_F(ManualEntryTest, KeepsTheWindowWhileSomethingIsBeingWritten) {
+    open(test::sampleTime(12, 10), test::sampleTime(12, 30));
+    EXPECT_FALSE(window->close());
+    model->setManualDraft(std::nullopt);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window->close());
 }
 
 TEST_F(ManualEntryTest, SavesNothingShorterThanAMinuteAndNothingWhenCancelled) {

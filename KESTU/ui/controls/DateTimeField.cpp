@@ -10,6 +10,8 @@
 #include <QLocale>
 #include <QToolButton>
 
+#include <utility>
+
 namespace kestu {
 namespace {
 
@@ -35,8 +37,9 @@ DateTimeField::DateTimeField(const QString& name, QWidget* parent)
     m_calendarButton->setFocusPolicy(Qt::NoFocus); // the day can be stepped in the field
     setBorderless(m_calendarButton);
     connect(m_calendarButton, &QToolButton::clicked, this, &DateTimeField::showCalendar);
-    connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] {
-        if (!m_isSet) {
+    connect(this, &QDateTimeEdit::dateTimeChanged, this, [this](const QDateTime& shown) {
+        // Return reports a change also where there is none.
+        if (shown != std::exchange(m_shown, shown) && !m_isSet) {
             Q_EMIT edited();
         }
     });
@@ -44,8 +47,17 @@ DateTimeField::DateTimeField(const QString& name, QWidget* parent)
 
 void DateTimeField::setWallTime(QDate date, QTime time) {
     m_isSet = true;
+    clearMinimumDateTime();
     setDateTime(QDateTime(date, time, Qt::UTC));
     m_isSet = false;
+}
+
+void DateTimeField::setEarliest(const QDateTime& earliest) {
+    if (earliest <= dateTime()) { // else it would move what is shown
+        m_isSet = true;
+        setMinimumDateTime(earliest);
+        m_isSet = false;
+    }
 }
 
 void DateTimeField::resizeEvent(QResizeEvent* event) {

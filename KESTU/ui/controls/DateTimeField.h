@@ -16,7 +16,10 @@ class DateTimeField final : public QDateTimeEdit {
 public:
     explicit DateTimeField(const QString& name, QWidget* parent = nullptr);
 
+    /// Takes the earliest time away.
     void setWallTime(QDate date, QTime time);
+    /// Nothing before it can be chosen; ignored when that is what is shown.
+    void setEarliest(const QDateTime& earliest);
 
 Q_SIGNALS:
     /// The user chose another time; not emitted by setWallTime.
@@ -30,7 +33,8 @@ private:
     void showCalendar();
 
     QToolButton* m_calendarButton;
-    bool m_isSet = false; // while setWallTime runs
+    QDateTime m_shown;
+    bool m_isSet = false; // not by the user
 };
 
 } // namespace kestu

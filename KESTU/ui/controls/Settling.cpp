@@ -19,7 +19,8 @@ void showIfNew(const QWidget& parent, QWidget& child) {
 } // namespace
 
 void settle(QWidget& widget) {
-    for (QObject* child : widget.children()) {
+    const QObjectList children = widget.children(); // showing one may add another
+    for (QObject* child : children) {
         auto* inner = qobject_cast<QWidget*>(child);
         if (inner && !inner->isWindow()) {
             showIfNew(widget, *inner);

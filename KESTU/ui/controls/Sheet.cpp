@@ -8,7 +8,9 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -83,6 +85,10 @@ QPushButton* Sheet::addButton(const QString& text, bool isDefault) {
     button->setDefault(isDefault);
     m_footer->addWidget(button);
     return button;
+}
+
+bool Sheet::holdsInput() const {
+    return m_presented && (findChild<QLineEdit*>() || findChild<QPlainTextEdit*>());
 }
 
 void Sheet::present() {

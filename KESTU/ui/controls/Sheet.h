@@ -41,6 +41,9 @@ public:
     /// What has the focus first, instead of the first field.
     void setFirstFocus(QWidget* widget) { m_firstFocus = widget; }
 
+    /// Whether it is open and has a field to write in.
+    [[nodiscard]] bool holdsInput() const;
+
     void present();
     [[nodiscard]] bool isPresented() const { return m_presented; }
     /// Cancels, as Escape does.

@@ -18,8 +18,9 @@ namespace kestu {
 namespace {
 
 constexpr int unbounded = QWIDGETSIZE_MAX;
-constexpr int widestHint = 360; // of a wrapping text that nobody gave a width
-constexpr int narrowest = 28;   // what is left of a name that gives way
+constexpr int widestHint = 360;    // of a wrapping text that nobody gave a width
+constexpr int narrowestLetter = 2; // pixels
+constexpr int narrowest = 28;      // what is left of a name that gives way
 
 void layOut(QTextLayout& layout, int width, bool wrap, Qt::Alignment alignment) {
     QTextOption option(alignment & Qt::AlignHorizontal_Mask);
@@ -80,6 +81,8 @@ QString TextLabel::shownText(int width) const {
     if (m_maximumLines <= 0) {
         return whole;
     }
+    // More than fits is not laid out: some titles are as long as a page.
+    whole.truncate(static_cast<qsizetype>(width / narrowestLetter + 1) * m_maximumLines + 1);
     QTextLayout layout(whole, font());
     layOut(layout, width, true, alignment());
     if (layout.lineCount() <= m_maximumLines) {

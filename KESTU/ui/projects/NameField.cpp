@@ -10,6 +10,8 @@
 #include <QStyleOptionFrame>
 #include <QToolTip>
 
+#include <utility>
+
 namespace kestu {
 
 NameField::NameField(QWidget* parent)
@@ -37,18 +39,30 @@ void NameField::follow() {
 
 /// Composing begins with removing the selection, which alone is nothing that the user wants stored.
 void NameField::report() {
-    m_isUntold = m_isComposing;
+    m_isUntold = true;
     if (!m_isComposing) {
-        Q_EMIT edited(text());
+        tell();
     }
+}
+
+void NameField::tell() {
+    m_isUntold = false;
+    Q_EMIT edited(text());
 }
 
 void NameField::inputMethodEvent(QInputMethodEvent* event) {
     m_isComposing = !event->preeditString().isEmpty();
+    const bool isCommitted = !event->commitString().isEmpty();
     QLineEdit::inputMethodEvent(event);
-    if (m_isUntold && !m_isComposing) {
-        report();
+    if (m_isUntold && (isCommitted || !m_isComposing)) { // one word may end as the next begins
+        tell();
     }
+}
+
+/// A key that arrives as one ends every composition, also one whose end was never told.
+void NameField::keyPressEvent(QKeyEvent* event) {
+    m_isComposing = false;
+    QLineEdit::keyPressEvent(event);
 }
 
 QRect NameField::textBox(const QStyleOptionFrame& option) const {
@@ -76,6 +90,10 @@ bool NameField::event(QEvent* event) {
 void NameField::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     if (event->reason() != Qt::PopupFocusReason) {
+        if (std::exchange(m_isUntold, false)) {
+            Q_EMIT edited(text());
+        }
+        m_isComposing = false;
         follow();
     }
 }

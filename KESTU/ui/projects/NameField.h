@@ -23,11 +23,13 @@ protected:
     bool event(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void follow();
     void report();
+    void tell();
     [[nodiscard]] bool overflows() const;
     [[nodiscard]] QRect textBox(const QStyleOptionFrame& option) const;
 

@@ -10,12 +10,13 @@
 #include <QHash>
 #include <QWidget>
 
+#include <algorithm>
 #include <vector>
 
 namespace kestu {
 
 /// A row has id() and setRecord(value). Its place in `layout` is that of its value. Returns whether a row
-/// came, went or moved.
+/// came or moved: one that only goes leaves the order of Tab as it was.
 template<typename Row, typename Value, typename Make>
 bool syncRows(QBoxLayout& layout, std::vector<Row*>& rows, const std::vector<Value>& values, Make make) {
     QHash<RowId, Row*> left;
@@ -36,6 +37,9 @@ bool syncRows(QBoxLayout& layout, std::vector<Row*>& rows, const std::vector<Val
     if (next == rows) {
         return false;
     }
+    const auto goes = [&left](const Row* row) { return left.contains(row->id()); };
+    rows.erase(std::remove_if(rows.begin(), rows.end(), goes), rows.end());
+    const bool isRearranged = next != rows;
     rows = next;
     for (std::size_t index = 0; index < rows.size(); ++index) {
         const int place = static_cast<int>(index);
@@ -48,7 +52,7 @@ bool syncRows(QBoxLayout& layout, std::vector<Row*>& rows, const std::vector<Val
         gone->hide();
         gone->deleteLater(); // its own button may be what is being clicked
     }
-    return true;
+    return isRearranged;
 }
 
 /// What Tab reaches within `box`, in the order in which it was made.

@@ -6,6 +6,7 @@
 #include "ui/controls/IconButton.h"
 #include "ui/parts/Texts.h"
 #include "ui/projects/RulePickers.h"
+#include "ui/theme/KestuStyle.h"
 
 #include <QHBoxLayout>
 
@@ -31,6 +32,7 @@ RuleRow::RuleRow(AppModel& model, const Rule& rule)
     refresh();
     connect(m_field, &QComboBox::activated, this, &RuleRow::store);
     connect(m_op, &QComboBox::activated, this, &RuleRow::store);
+    setOnce(m_delete);
     connect(m_delete, &QAbstractButton::clicked, this, [this] { m_model.deleteRule(m_rule.id); });
 }
 

@@ -56,8 +56,14 @@ SuggestionRow::SuggestionRow(AppModel& model, const RuleSuggestion& suggestion)
     m_new->hide();
     m_impact->hide();
     refresh();
+    setOnce(m_dismiss);
+    setOnce(m_accept);
     connect(m_dismiss, &QPushButton::clicked, this, [this] { m_model.dismissSuggestion(m_suggestion.id); });
     connect(m_accept, &QPushButton::clicked, this, [this] { m_model.acceptSuggestion(m_suggestion.id); });
+}
+
+QAbstractButton& SuggestionRow::acceptButton() const {
+    return *m_accept;
 }
 
 QHBoxLayout* SuggestionRow::makeSentence() {

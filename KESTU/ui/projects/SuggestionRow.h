@@ -11,6 +11,7 @@
 #include <optional>
 
 class QHBoxLayout;
+class QAbstractButton;
 class QPushButton;
 
 namespace kestu {
@@ -26,6 +27,7 @@ public:
     SuggestionRow(AppModel& model, const RuleSuggestion& suggestion);
 
     [[nodiscard]] SuggestionId id() const { return m_suggestion.id; }
+    [[nodiscard]] QAbstractButton& acceptButton() const;
     void setRecord(const RuleSuggestion& suggestion);
     /// Whether accepting it makes a new project or tag.
     void setNew(bool isNew);

@@ -84,6 +84,7 @@ void SuggestionsSection::copyRequest() {
 
 void SuggestionsSection::refresh() {
     const auto& suggestions = m_model.suggestions();
+    const auto accepted = focusedAccept();
     const bool changed = syncRows(*m_column, m_rows, suggestions, [this](const RuleSuggestion& suggestion) {
         return new SuggestionRow(m_model, suggestion);
     });
@@ -93,12 +94,32 @@ void SuggestionsSection::refresh() {
             last = chainStops(last, *row);
         }
     }
+    if (accepted && !focusedAccept()) {
+        focusAccept(*accepted);
+    }
     m_count->setCount(static_cast<int>(suggestions.size()));
     m_count->setVisible(!suggestions.empty());
     m_none->setVisible(suggestions.empty());
     refreshTargets();
     refreshImpacts();
     update();
+}
+
+/// The place of the row whose 承認 has the focus.
+std::optional<std::size_t> SuggestionsSection::focusedAccept() const {
+    for (std::size_t index = 0; index < m_rows.size(); ++index) {
+        if (m_rows[index]->acceptButton().hasFocus()) {
+            return index;
+        }
+    }
+    return {};
+}
+
+/// Who accepts one after the other must not come to stand on 却下.
+void SuggestionsSection::focusAccept(std::size_t place) {
+    QAbstractButton* next = m_rows.empty() ? static_cast<QAbstractButton*>(m_copy)
+                                           : &m_rows[std::min(place, m_rows.size() - 1)]->acceptButton();
+    next->setFocus(Qt::OtherFocusReason);
 }
 
 void SuggestionsSection::refreshTargets() {

@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+#include <optional>
 #include <vector>
 
 class QHBoxLayout;
@@ -35,6 +36,8 @@ private:
     [[nodiscard]] QHBoxLayout* makeHeader();
     void copyRequest();
     void refresh();
+    [[nodiscard]] std::optional<std::size_t> focusedAccept() const;
+    void focusAccept(std::size_t place);
     void refreshTargets();
     void refreshImpacts();
 

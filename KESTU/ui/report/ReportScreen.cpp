@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QHideEvent>
 #include <QPainter>
 #include <QScrollArea>
 #include <QStandardPaths>
@@ -32,12 +33,12 @@ ReportScreen::ReportScreen(AppModel& model, QWidget* parent)
     , m_header(new ReportHeader)
     , m_view(new ReportView(model))
     , m_export(new ExportSection)
-    , m_anchor(model.now())
     , m_folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {
     auto* scroll = new QScrollArea;
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setWidgetResizable(true);
+    scroll->setFocusPolicy(Qt::NoFocus); // its controls scroll it
     scroll->setWidget(makeColumn());
     scroll->viewport()->setAutoFillBackground(false);
     scroll->widget()->setAutoFillBackground(false);
@@ -74,9 +75,9 @@ QWidget* ReportScreen::makeColumn() {
 
 void ReportScreen::connectControls() {
     connect(m_header, &ReportHeader::periodChosen, this,
-            [this](ReportPeriod period) { select(period, m_anchor); });
+            [this](ReportPeriod period) { select(period, anchor()); });
     connect(m_header, &ReportHeader::stepped, this, [this](StepDirection direction) {
-        select(m_period, step(m_period, m_anchor, direction, calendar()));
+        select(m_period, step(m_period, anchor(), direction, calendar()));
     });
     connect(m_header, &ReportHeader::nowRequested, this, [this] { select(m_period, m_model.now()); });
     connect(m_export, &ExportSection::optionsChanged, this, [this] { setCopied(false); });
@@ -89,7 +90,11 @@ Calendar ReportScreen::calendar() const {
 }
 
 Interval ReportScreen::range() const {
-    return periodInterval(m_period, m_anchor, calendar());
+    return periodInterval(m_period, anchor(), calendar());
+}
+
+Instant ReportScreen::anchor() const {
+    return m_anchor.value_or(m_model.now());
 }
 
 void ReportScreen::select(ReportPeriod period, Instant anchor) {
@@ -108,8 +113,22 @@ void ReportScreen::refreshSoon() {
 
 void ReportScreen::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    if (!m_anchor) {
+        m_anchor = m_model.now();
+    }
     if (m_isOutdated) {
         refresh();
+    }
+}
+
+/// Whoever comes back begins with this week.
+void ReportScreen::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) {
+        m_period = ReportPeriod::week;
+        m_anchor.reset();
+        setCopied(false);
+        m_isOutdated = true;
     }
 }
 

@@ -38,6 +38,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -57,6 +58,7 @@ private:
     void load(const LoadKey& key);
     [[nodiscard]] Calendar calendar() const;
     [[nodiscard]] Interval range() const;
+    [[nodiscard]] Instant anchor() const;
     [[nodiscard]] ReportBuilder makeBuilder();
     void setCopied(bool copied);
     void copy();
@@ -68,7 +70,7 @@ private:
     ReportView* m_view;
     ExportSection* m_export;
     ReportPeriod m_period = ReportPeriod::week;
-    Instant m_anchor;
+    std::optional<Instant> m_anchor; // an instant of the shown period; none: now
     std::vector<ResolvedActivity> m_items;
     std::optional<LoadKey> m_loaded;
     bool m_isOutdated = true;

@@ -62,6 +62,18 @@ void ExcludedAppsSection::refreshRows() {
         *row = m_section->insertRow(index, makeRow(app));
     }
     m_none->setVisible(m_rows.isEmpty());
+    orderTabs();
+}
+
+/// Whatever was made first: from the top down, and the picker below them last.
+void ExcludedAppsSection::orderTabs() {
+    QWidget* next = m_picker;
+    const QList<QWidget*> rows = m_rows.values();
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+        auto* button = (*row)->findChild<QPushButton*>();
+        QWidget::setTabOrder(button, next);
+        next = button;
+    }
 }
 
 QWidget* ExcludedAppsSection::makeRow(const App& app) {
@@ -75,6 +87,7 @@ QWidget* ExcludedAppsSection::makeRow(const App& app) {
     layout->addStretch(1);
     auto* remove = new QPushButton(QStringLiteral("外す"));
     setSmall(remove);
+    setOnce(remove);
     remove->setAccessibleDescription(name);
     layout->addWidget(remove);
     connect(remove, &QPushButton::clicked, &m_model, [this, id = bundleId] { m_model.includeApp(id); });

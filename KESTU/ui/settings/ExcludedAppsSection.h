@@ -26,6 +26,7 @@ private:
 
     [[nodiscard]] QWidget* makeRow(const App& app);
     void refreshRows();
+    void orderTabs();
     void refreshPicker();
 
     AppModel& m_model;

@@ -27,6 +27,10 @@ void setSmall(QAbstractButton* button) {
     button->setIconSize({metrics::iconSmall, metrics::iconSmall});
 }
 
+void setOnce(QAbstractButton* button) {
+    button->setProperty(onceProperty, true);
+}
+
 void setBorderless(QAbstractButton* button) {
     button->setFont(fontOf(TextStyle::caption));
     if (auto* push = qobject_cast<QPushButton*>(button)) {

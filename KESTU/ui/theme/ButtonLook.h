@@ -11,6 +11,9 @@ class QWidget;
 
 namespace kestu {
 
+/// A double click on a button with it is one click.
+inline constexpr const char* onceProperty = "kestuOnce";
+
 inline constexpr const char* buttonRoleProperty = "kestuRole";
 inline constexpr const char* buttonSmallProperty = "kestuSmall";
 

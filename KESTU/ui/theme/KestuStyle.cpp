@@ -265,6 +265,11 @@ void KestuStyle::polish(QWidget* widget) {
 bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
     auto* widget = qobject_cast<QWidget*>(watched);
     switch (event->type()) {
+    case QEvent::MouseButtonDblClick:
+        if (widget && widget->property(onceProperty).toBool()) {
+            return true;
+        }
+        break;
     case QEvent::Wheel:
         // Who scrolls must not change what happens to pass below the pointer; a picker keeps the focus after
         // a choice, and is passed then, too.

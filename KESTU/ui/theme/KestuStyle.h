@@ -29,6 +29,8 @@ void setRole(QAbstractButton* button, ButtonRole role);
 void setSmall(QAbstractButton* button);
 /// No frame, 24 high, filled on hover; a text is drawn in the accent's colour or, if destructive, in red.
 void setBorderless(QAbstractButton* button);
+/// A double click is one click: the button goes with what it does, and the next one takes its place.
+void setOnce(QAbstractButton* button);
 /// A name that shows its frame on hover and focus alone.
 void setPlain(QLineEdit* field);
 /// Keeps the last `width` pixels within the frame free for a button of the owner's.

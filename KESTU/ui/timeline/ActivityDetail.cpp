@@ -71,6 +71,8 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
     connect(&m_model, &AppModel::projectsChanged, this, &ActivityDetail::showProject);
     connect(&m_model, &AppModel::rulesChanged, this, &ActivityDetail::showProject);
     connect(&m_model, &AppModel::tagsChanged, this, &ActivityDetail::showTags);
+    connect(&m_model, &AppModel::selectedDayChanged, this,
+            &ActivityDetail::showTexts); // in another time zone
 }
 
 QLayout* ActivityDetail::makeHeader() {
@@ -149,6 +151,9 @@ void ActivityDetail::setItem(const ResolvedActivity& item) {
 }
 
 void ActivityDetail::showTexts() {
+    if (!m_item) {
+        return;
+    }
     const Activity& activity = m_item->activity;
     m_heading->setText(activity.isManual ? QStringLiteral("選択中（手動）") : QStringLiteral("選択中"));
     m_name->setText(nameOf(activity));

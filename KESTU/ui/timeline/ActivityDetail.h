@@ -7,7 +7,7 @@
 
 #include "classify/Resolution.h"
 #include "ui/controls/TagChip.h"
-#include "ui/timeline/KeyedRows.h"
+#include "ui/parts/KeyedRows.h"
 
 #include <optional>
 

@@ -10,7 +10,11 @@
 #include "ui/timeline/DayDrafts.h"
 
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 namespace kestu {
 namespace {
@@ -48,9 +52,6 @@ public:
     void showGap(const Interval& interval, LocalClock& clock) {
         m_interval = interval;
         const QString range = rangeText(interval, clock);
-        if (m_range->text() == range) {
-            return; // its length is the same, too
-        }
         m_range->setText(range);
         m_length->setText(formatDuration(lengthOf(interval.start, interval.end).count()));
         m_button->setAccessibleDescription(range);
@@ -79,14 +80,32 @@ GapList::GapList(AppModel& model, QWidget* parent)
         TextStyle::caption, ink::secondary, Overflow::wrap));
     column->addLayout(&m_rows.layout());
     connect(&m_model, &AppModel::dayItemsChanged, this, &GapList::refresh);
+    connect(&m_model, &AppModel::selectedDayChanged, this, &GapList::refresh); // also in another time zone
+    connect(&m_model, &AppModel::manualDraftChanged, this, [this] {
+        if (!m_model.manualDraft() && m_opened) {
+            QTimer::singleShot(0, this, &GapList::takeFocusBack); // once the sheet is gone
+        }
+    });
     refresh();
 }
 
 GapRow* GapList::makeRow() {
     auto* row = new GapRow;
-    connect(row->button(), &QPushButton::clicked, this,
-            [this, row] { m_model.setManualDraft(draftFor(row->interval())); });
+    connect(row->button(), &QPushButton::clicked, this, [this, row] {
+        const auto& rows = m_rows.rows();
+        m_opened = static_cast<std::size_t>(std::find(rows.begin(), rows.end(), row) - rows.begin());
+        m_model.setManualDraft(draftFor(row->interval()));
+    });
     return row;
+}
+
+/// A gap that was filled is gone with its button: the next one is at its place.
+void GapList::takeFocusBack() {
+    const std::size_t place = *std::exchange(m_opened, std::nullopt);
+    if (!m_rows.rows().empty() && isVisible()) {
+        const std::size_t last = m_rows.rows().size() - 1;
+        m_rows.rows()[std::min(place, last)]->button()->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void GapList::refresh() {

@@ -4,9 +4,11 @@
 // model; a row stays the same while its gap does.
 #pragma once
 
-#include "ui/timeline/KeyedRows.h"
+#include "ui/parts/KeyedRows.h"
 
 #include <QWidget>
+
+#include <optional>
 
 namespace kestu {
 
@@ -27,11 +29,13 @@ Q_SIGNALS:
 
 private:
     void refresh();
+    void takeFocusBack();
     [[nodiscard]] GapRow* makeRow();
 
     AppModel& m_model;
     TextLabel* m_total;
     KeyedRows<GapRow> m_rows;
+    std::optional<std::size_t> m_opened; // whose draft is in the sheet
 };
 
 } // namespace kestu

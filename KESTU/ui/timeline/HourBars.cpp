@@ -46,6 +46,7 @@ HourBars::HourBars(AppModel& model)
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(&m_model, &AppModel::dayItemsChanged, this, &HourBars::refresh);
+    connect(&m_model, &AppModel::selectedDayChanged, this, &HourBars::refresh); // also in another time zone
     connect(&m_model, &AppModel::projectsChanged, this, &HourBars::refreshColors);
     connect(&m_model, &AppModel::selectedActivityIdChanged, this, &HourBars::refreshSelection);
     refreshColors();
@@ -56,6 +57,7 @@ HourBars::HourBars(AppModel& model)
 void HourBars::refresh() {
     const Items items = m_model.dayItems();
     const std::size_t rowsBefore = m_rows.size();
+    const std::size_t slicesBefore = m_slices.size();
     m_rows = hourRowsOf(items, m_model.calendar());
     m_stops = firstSlices(m_rows);
     m_slices.clear();
@@ -71,6 +73,9 @@ void HourBars::refresh() {
     m_row = std::min(m_row, m_rows.empty() ? 0 : m_rows.size() - 1);
     if (m_rows.size() != rowsBefore) {
         updateGeometry();
+    }
+    if (m_slices.size() != slicesBefore) {
+        reportRearranged(*this);
     }
     update();
 }
@@ -189,7 +194,8 @@ void HourBars::mousePressEvent(QMouseEvent* event) {
 }
 
 void HourBars::keyPressEvent(QKeyEvent* event) {
-    if (event->modifiers() != Qt::NoModifier || m_rows.empty() || !move(event->key())) {
+    const auto modifiers = event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
+    if (modifiers != Qt::NoModifier || m_rows.empty() || !move(event->key())) {
         QWidget::keyPressEvent(event);
     }
 }
@@ -344,11 +350,11 @@ void HourBars::paintSlice(QPainter& painter, const HourSlice& slice, const QRect
     const QRectF box = snapped(painter, sliceBox(slice, bar));
     if (box.width() <= 2 * metrics::radiusSlice) {
         painter.fillRect(box.width() > 0 ? box : sliceBox(slice, bar), fill); // too narrow for corners
-        return;
+    } else {
+        painter.setBrush(fill);
+        painter.drawRoundedRect(box, metrics::radiusSlice, metrics::radiusSlice);
     }
-    painter.setBrush(fill);
-    painter.drawRoundedRect(box, metrics::radiusSlice, metrics::radiusSlice);
-    if (slice.isManual && slice.activityId != m_selected) {
+    if (slice.isManual && slice.activityId != m_selected && box.width() > 2) {
         paintDashes(painter, box, color);
     }
 }

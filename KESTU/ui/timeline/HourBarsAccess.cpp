@@ -44,6 +44,7 @@ public:
         state.invalid = !isValid();
         state.invisible = !isValid() || !m_bars->isVisible();
         state.disabled = !isValid() || !m_bars->isEnabled();
+        state.focusable = true;
         state.selectable = true;
         state.selected = isValid() && m_bars->isSelected(place());
         state.focused = state.selected && m_bars->hasFocus();
@@ -131,6 +132,13 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
 
 void installHourBarsAccess() {
     QAccessible::installFactory(makeInterface); // which takes no factory twice
+}
+
+void reportRearranged(HourBars& bars) {
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(&bars, QAccessible::ObjectReorder);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void reportSelected(HourBars& bars, SlicePlace place) {

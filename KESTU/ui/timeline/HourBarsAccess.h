@@ -12,6 +12,9 @@ class HourBars;
 /// Once is enough, more does not harm.
 void installHourBarsAccess();
 
+/// Slices came or went.
+void reportRearranged(HourBars& bars);
+
 /// The selection moved there.
 void reportSelected(HourBars& bars, SlicePlace place);
 

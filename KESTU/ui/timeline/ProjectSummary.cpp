@@ -182,6 +182,13 @@ ProjectSummary::ProjectSummary(AppModel& model)
     refresh();
 }
 
+void ProjectSummary::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    for (TagChip* chip : m_chips) {
+        chip->setMaximumWidth(width());
+    }
+}
+
 void ProjectSummary::refresh() {
     const ProjectTotals totals = projectTotals(m_model.dayItems());
     m_bar->show(totals);
@@ -205,6 +212,7 @@ void ProjectSummary::refreshTags() {
             m_chips[index]->setLook(look);
         } else {
             m_chips.push_back(new TagChip(look, TagChip::Kind::label));
+            m_chips.back()->setMaximumWidth(width());
             m_flow->addWidget(m_chips.back());
         }
     }

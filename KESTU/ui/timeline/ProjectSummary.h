@@ -84,6 +84,9 @@ class ProjectSummary final : public QWidget {
 public:
     explicit ProjectSummary(AppModel& model);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void refresh();
     void refreshTags();

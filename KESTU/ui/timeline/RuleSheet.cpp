@@ -93,6 +93,7 @@ RuleSheet::RuleSheet(QWidget* host, AppModel& model, UnassignedGroup group)
     , m_value(new QLineEdit)
     , m_op(pickerOf(operators)) {
     setAccessibleName(QStringLiteral("振り分け"));
+    m_target->setPlaceholderText(QStringLiteral("選んでください"));
     setFooterLine(true);
     content()->setSpacing(sectionGap);
     content()->addWidget(makeGroup());
@@ -104,8 +105,8 @@ RuleSheet::RuleSheet(QWidget* host, AppModel& model, UnassignedGroup group)
     resetCondition();
     showTargets();
     setFirstFocus(m_choice.targetId ? static_cast<QWidget*>(m_target) : m_name);
-    connect(&m_model, &AppModel::projectsChanged, this, &RuleSheet::followCategories);
-    connect(&m_model, &AppModel::tagsChanged, this, &RuleSheet::followCategories);
+    connect(&m_model, &AppModel::projectsChanged, this, &RuleSheet::showTargets);
+    connect(&m_model, &AppModel::tagsChanged, this, &RuleSheet::showTargets);
 }
 
 void RuleSheet::addButtons() {
@@ -227,14 +228,7 @@ void RuleSheet::resetCondition() {
     refresh();
 }
 
-/// Another process may have taken the chosen one away.
-void RuleSheet::followCategories() {
-    if (m_choice.targetId && !hasTarget(*m_choice.targetId)) {
-        m_choice.targetId = firstTarget();
-    }
-    showTargets();
-}
-
+/// Another process may take the chosen one away: then none is chosen, for no other was meant.
 void RuleSheet::showTargets() {
     const QString kind = labelOf(m_choice.kind);
     const QString name = kind + QStringLiteral("名");
@@ -267,7 +261,7 @@ bool RuleSheet::hasTarget(RowId id) const {
 }
 
 bool RuleSheet::canSave() const {
-    const bool isNamed = m_choice.targetId || !isBlank(m_choice.newName);
+    const bool isNamed = m_choice.targetId ? hasTarget(*m_choice.targetId) : !isBlank(m_choice.newName);
     return isNamed && (!m_choice.makeRule || !isBlank(m_choice.value));
 }
 

@@ -40,7 +40,6 @@ private:
     void chooseKind(CategoryKind kind);
     void chooseTarget();
     void chooseField(RuleField field);
-    void followCategories();
     void resetCondition();
     void showTargets();
     void refresh();

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace kestu {
@@ -133,6 +134,9 @@ void UnassignedList::open(const UnassignedGroup& group) {
     if (m_sheet) {
         return;
     }
+    const auto& cards = m_cards.rows();
+    const auto isOpened = [&group](const GroupCard* card) { return card->group() == group; };
+    m_opened = static_cast<std::size_t>(std::find_if(cards.begin(), cards.end(), isOpened) - cards.begin());
     m_sheet = new RuleSheet(window(), m_model, group);
     connect(m_sheet, &Sheet::closed, this, &UnassignedList::takeFocusBack);
     m_sheet->present();
@@ -143,7 +147,8 @@ void UnassignedList::takeFocusBack() {
     const QWidget* focused = window()->focusWidget();
     const bool isLost = !focused || !focused->isVisible() || m_sheet->isAncestorOf(focused);
     if (isLost && !m_cards.rows().empty()) {
-        m_cards.rows().front()->button()->setFocus(Qt::OtherFocusReason);
+        const std::size_t last = m_cards.rows().size() - 1;
+        m_cards.rows()[std::min(m_opened, last)]->button()->setFocus(Qt::OtherFocusReason);
     }
 }
 

@@ -4,7 +4,7 @@
 // to the side panel and follows the model; a card stays the same while its group does.
 #pragma once
 
-#include "ui/timeline/KeyedRows.h"
+#include "ui/parts/KeyedRows.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -36,6 +36,7 @@ private:
     TextLabel* m_total;
     TextLabel* m_empty;
     KeyedRows<GroupCard> m_cards;
+    std::size_t m_opened = 0;    // whose sheet is open
     QPointer<RuleSheet> m_sheet; // belongs to the window
 };
 

@@ -184,6 +184,9 @@ TEST_F(ProjectsScreenTest, StoresNothingWhileANameIsComposed) {
     EXPECT_TRUE(name->hasFocus());
     compose(name, {}, u"会議"_s);
     EXPECT_EQ(stored(1), u"会議"_s);
+    compose(name, u"さ"_s, u"録"_s);
+    EXPECT_EQ(stored(1), u"会議録"_s) << "a word that ends as the next begins";
+    compose(name, {});
     name->selectAll();
     compose(name, u"しゅ"_s);
     compose(name, {});
@@ -308,7 +311,9 @@ TEST_F(ProjectsScreenTest, SuggestionsSayWhatIsNewAndAreTakenOrRejected) {
     model->updateCategory(CategoryKind::project, 2, u"開発"_s, u"#000000"_s);
     EXPECT_EQ(news(), "011") << "it follows the names";
 
-    buttonIn(*rows.at(0), u"却下"_s)->click();
+    buttonIn(*rows.at(0), u"承認"_s)->setFocus();
+    model->dismissSuggestion(rows.at(0)->id());
+    EXPECT_TRUE(buttonIn(*rows.at(1), u"承認"_s)->hasFocus()) << "and not the next one's 却下";
     buttonIn(*rows.at(2), u"承認"_s)->click();
     EXPECT_EQ(rules(), "5 app equals メール");
     EXPECT_FALSE(model->errorMessage());

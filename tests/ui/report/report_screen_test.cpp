@@ -153,6 +153,17 @@ TEST_F(ReportScreenTest, ReadsNothingWhileHiddenAndOnceForWhatComesTogether) {
     EXPECT_EQ(loads, 3) << "nothing has changed";
 }
 
+TEST_F(ReportScreenTest, BeginsWithThisWeekWheneverItIsOpened) {
+    open();
+    press(u"月"_s);
+    press(u"前の月"_s);
+    screen->hide();
+    now += Seconds{7 * 86400.0};
+    open();
+    EXPECT_TRUE(isShown(u"11月23日〜11月29日"_s));
+    EXPECT_FALSE(button(u"いま"_s)->isEnabled());
+}
+
 TEST_F(ReportScreenTest, SavesAndCopiesTheReportOfTheCommandLine) {
     // Some of it lies outside the week, and some crosses its end.
     record(test::sampleDay + Seconds{5 * 86400.0 - 600}, test::sampleDay + Seconds{5 * 86400.0 + 1200});

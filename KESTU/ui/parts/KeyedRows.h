@@ -4,6 +4,7 @@
 // on it, wherever it moves to. The list's widget owns this; the rows belong to the layout's widget.
 #pragma once
 
+#include <QHash>
 #include <QLayout>
 #include <QStringList>
 #include <QWidget>
@@ -32,11 +33,14 @@ public:
         }
         const QStringList keysBefore = std::exchange(m_keys, keys);
         std::vector<Row*> before = std::exchange(m_rows, {});
-        for (Row* row : before) {
-            m_layout.removeWidget(row);
+        QHash<QString, std::size_t> places;
+        for (std::size_t place = before.size(); place-- > 0;) {
+            m_layout.removeWidget(before[place]);
+            places.insert(keysBefore[static_cast<qsizetype>(place)], place);
         }
         for (qsizetype index = 0; index < keys.size(); ++index) {
-            Row* known = take(before, keysBefore.indexOf(keys[index]));
+            const auto place = places.constFind(keys[index]);
+            Row* known = place == places.cend() ? nullptr : std::exchange(before[*place], nullptr);
             m_rows.push_back(known ? known : make(static_cast<std::size_t>(index)));
             m_layout.addWidget(m_rows.back());
         }
@@ -47,10 +51,6 @@ public:
     }
 
 private:
-    [[nodiscard]] static Row* take(std::vector<Row*>& rows, qsizetype at) {
-        return at < 0 ? nullptr : std::exchange(rows[static_cast<std::size_t>(at)], nullptr);
-    }
-
     static void drop(Row* row) {
         if (row) {
             row->hide();
