@@ -13,7 +13,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-using bench::activitiesADay;
 using bench::RecordedYears;
 using bench::secondsADay;
 

@@ -283,7 +283,7 @@ private:
     QMap<QString, QString> m_excludedApps;
     bool m_launchAtLogin = false;
 
-    Instant m_shownDay{}; // whose items and note are held
+    Instant m_shownDay{};                  // whose items and note are held
     std::vector<Activity> m_dayActivities; // what the day's items were resolved from
     std::vector<Rule> m_dayRules;
     Instant m_lastReload{}; // of the day

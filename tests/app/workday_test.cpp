@@ -64,9 +64,11 @@ private:
         }
         if (ofHour == lockMinute * 60) {
             Q_EMIT m_platform.events.screenLocked();
-        } else if (ofHour == unlockMinute * 60) {
+        }
+        if (ofHour == unlockMinute * 60) {
             Q_EMIT m_platform.events.screenUnlocked();
-        } else if (m_second == pauseBegin || m_second == pauseEnd) {
+        }
+        if (m_second == pauseBegin || m_second == pauseEnd) {
             m_model->toggleTracking();
         }
         Q_EMIT m_platform.events.applicationActivated(); // looks at once, as the timer does every two seconds
