@@ -3,6 +3,8 @@
 // Which application is in front, and what its window is called.
 #pragma once
 
+#include "base/Time.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -14,13 +16,19 @@ struct FrontmostApplication {
     std::optional<QString> bundleId; // stable across starts; absent when the system has none for it
     std::optional<QString> localizedName;
     std::int64_t processId = 0; // 0 when unknown
+    // How long ago this window came to the front, and how long ago its title came: seconds by a clock that
+    // nobody sets. Absent when unknown.
+    std::optional<Seconds> inFrontFor{};
+    std::optional<Seconds> titledFor{};
+    bool isOwnPanel = false; // the panel of this program's status item
 };
 
 class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Absent when nothing is in front, or when that cannot be known. Answers within a few milliseconds.
+    /// Absent when nothing is in front, when what was there has just vanished, or when that cannot be known.
+    /// Tells what is true now, however short it may last. Answers within a few milliseconds.
     [[nodiscard]] virtual std::optional<FrontmostApplication> frontmostApplication() = 0;
 
     /// The title of the focused window of the application in front when that is the process with this id;

@@ -169,6 +169,12 @@ struct FakeAppearance final : Appearance {
     }
 };
 
+struct FakeSystemEvents final : SystemEvents {
+    bool held = false;
+
+    [[nodiscard]] bool isHeldNow() override { return held; }
+};
+
 struct FakePlatform : Platform {
     FakeWorkspace fakeWorkspace;
     FakeScripting fakeScripting;
@@ -180,7 +186,7 @@ struct FakePlatform : Platform {
     FakeAccessibility fakeAccessibility;
     FakeUpdates fakeUpdates;
     FakeAppearance fakeAppearance;
-    SystemEvents events;
+    FakeSystemEvents events;
 
     [[nodiscard]] Workspace& workspace() override { return fakeWorkspace; }
     [[nodiscard]] BrowserScripting& browserScripting() override { return fakeScripting; }

@@ -30,8 +30,13 @@ public:
     /// what is in front asks this first, for a session that was locked before KESTU started.
     [[nodiscard]] bool isHeld() const { return m_hold.isHeld(); }
 
+    [[nodiscard]] bool isHeldNow() override { return isHeld(); }
+
     /// Another window came to the front.
     void noteActivation() { Q_EMIT applicationActivated(); }
+
+    /// The window in front has another title.
+    void noteTitle() { Q_EMIT titleChanged(); }
 
 private:
     void noteSleep();
