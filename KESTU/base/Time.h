@@ -19,6 +19,9 @@ using Instant = std::chrono::sys_time<Seconds>;
 /// What gives "now". Passed in wherever the time is needed, so that tests can play a whole day.
 using Clock = std::function<Instant()>;
 
+/// What counts the seconds that pass. Nobody sets it; it stands still while the machine sleeps.
+using Uptime = std::function<Seconds()>;
+
 [[nodiscard]] constexpr Instant instantAt(double epochSeconds) {
     return Instant{Seconds{epochSeconds}};
 }
@@ -43,6 +46,11 @@ struct Interval {
 /// The system's wall clock.
 [[nodiscard]] inline Instant systemNow() {
     return std::chrono::time_point_cast<Seconds>(std::chrono::system_clock::now());
+}
+
+/// The seconds that the machine has been awake.
+[[nodiscard]] inline Seconds systemUptime() {
+    return std::chrono::steady_clock::now().time_since_epoch();
 }
 
 } // namespace kestu

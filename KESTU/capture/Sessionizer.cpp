@@ -2,29 +2,59 @@
 #include "capture/Sessionizer.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace kestu {
 
-Sessionizer::Events Sessionizer::feed(const Sample& sample, Instant now) {
+Sessionizer::Events Sessionizer::feed(const Sample& sample, Instant now, Instant since) {
+    if (openEnd && isWithinGap(now) && sample == *openSample) {
+        return extend(now);
+    }
+    Instant begin = now;
+    if (openEnd && isWithinGap(now)) {
+        begin = std::clamp(since, *openEnd, std::max(now, *openEnd));
+    } else if (!openEnd && std::abs((now - since).count()) <= maxGap.count()) {
+        begin = since;
+    }
+    Events events = replace(sample, begin);
+    if (begin < now) {
+        events.emplace_back(Moved{now});
+        openEnd = now;
+    }
+    return events;
+}
+
+/// A gap that is not a number counts as too large.
+bool Sessionizer::isWithinGap(Instant time) const {
+    const Seconds gap = time - *openEnd;
+    return gap <= maxGap && gap >= -maxGap;
+}
+
+Sessionizer::Events Sessionizer::replace(const Sample& sample, Instant begin) {
     Events events;
-    if (openSample && openEnd) {
-        // A gap that is not a number counts as too large.
-        const bool isContinuous = now - *openEnd <= maxGap;
-        if (isContinuous) {
-            events.emplace_back(Moved{now});
-            if (sample == *openSample) {
-                openEnd = now;
-                return events;
-            }
+    if (openEnd) {
+        if (isWithinGap(begin)) {
+            events.emplace_back(Moved{begin});
         }
         events.emplace_back(Closed{});
-        clear();
     }
     openSample = sample;
-    openStart = now;
-    openEnd = now;
-    events.emplace_back(Started{.sample = sample, .start = now});
+    openStart = begin;
+    openEnd = begin;
+    events.emplace_back(Started{.sample = sample, .start = begin});
     return events;
+}
+
+Sessionizer::Events Sessionizer::extend(Instant time) {
+    if (!openEnd || !isWithinGap(time) || time < *openEnd) {
+        return {};
+    }
+    openEnd = time;
+    return {Moved{time}};
+}
+
+Sessionizer::Events Sessionizer::finish(Instant time) {
+    return openEnd ? close(isWithinGap(time) ? std::max(time, *openEnd) : *openEnd) : Events{};
 }
 
 Sessionizer::Events Sessionizer::close(Instant time) {

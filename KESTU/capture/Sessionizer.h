@@ -40,14 +40,30 @@ struct Sessionizer {
     std::optional<Instant> openStart;
     std::optional<Instant> openEnd; // the time of the last extension
 
-    /// At `now` the application in front looked like `sample`. An equal sample within `maxGap` extends the
-    /// open activity; everything else starts a new one.
-    [[nodiscard]] Events feed(const Sample& sample, Instant now);
+    /// At `now` the application in front looked like `sample`, and had done so from `since` on. An equal
+    /// sample within `maxGap` extends the open activity; everything else starts a new one, which begins when
+    /// it came:
+    ///
+    ///   open    |-------|....           |-------|....
+    ///   since         ^ (too early)          now ^   ^since
+    ///   new             |---|                      |-|
+    ///
+    /// A clock that was set back by up to `maxGap` leaves the open end where it is until it has caught up.
+    [[nodiscard]] Events feed(const Sample& sample, Instant now, Instant since);
+    [[nodiscard]] Events feed(const Sample& sample, Instant now) { return feed(sample, now, now); }
+
+    /// What is open goes on to `time`; neither back, nor over a silence of more than `maxGap`.
+    [[nodiscard]] Events extend(Instant time);
+
+    /// What is open goes on to `time`, as far as extend() would take it, and ends there.
+    [[nodiscard]] Events finish(Instant time);
 
     /// Whatever is open ends at `time`: earlier than its last extension if need be, never before its start.
     [[nodiscard]] Events close(Instant time);
 
 private:
+    [[nodiscard]] bool isWithinGap(Instant time) const;
+    [[nodiscard]] Events replace(const Sample& sample, Instant begin);
     void clear();
 };
 

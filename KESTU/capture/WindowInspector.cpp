@@ -49,20 +49,27 @@ WindowInspector::WindowInspector(Workspace& workspace, BrowserScripting& scripti
     , m_scripting(scripting)
     , m_browserScripts(browserScripts(scripting)) {}
 
-std::optional<Sample> WindowInspector::sample() {
+std::optional<FrontWindow> WindowInspector::front() {
     const auto front = m_workspace.frontmostApplication();
-    if (!front) {
+    if (!front || (!front->bundleId && front->processId == 0)) {
         return std::nullopt;
     }
     const QString bundleId = front->bundleId.value_or(QStringLiteral("pid.%1").arg(front->processId));
-    if (std::ranges::find(ignoredBundleIds, bundleId) != ignoredBundleIds.end()) {
-        return std::nullopt;
-    }
-    const QString title = m_workspace.focusedWindowTitle(front->processId);
-    return Sample{.bundleId = bundleId,
-                  .appName = front->localizedName.value_or(bundleId),
-                  .title = title,
-                  .url = browserURL(bundleId, title, front->processId)};
+    return FrontWindow{.bundleId = bundleId,
+                       .appName = front->localizedName.value_or(bundleId),
+                       .title = m_workspace.focusedWindowTitle(front->processId),
+                       .processId = front->processId,
+                       .inFrontFor = front->inFrontFor,
+                       .titledFor = front->titledFor,
+                       .isOwnPanel = front->isOwnPanel,
+                       .isIgnored = std::ranges::find(ignoredBundleIds, bundleId) != ignoredBundleIds.end()};
+}
+
+Sample WindowInspector::sample(const FrontWindow& front) {
+    return {.bundleId = front.bundleId,
+            .appName = front.appName,
+            .title = front.title,
+            .url = browserURL(front.bundleId, front.title, front.processId)};
 }
 
 std::optional<QString> WindowInspector::browserURL(const QString& bundleId, const QString& title,

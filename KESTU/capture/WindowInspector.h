@@ -4,6 +4,7 @@
 // degrades to a value: no sample, an empty title, an absent address.
 #pragma once
 
+#include "base/Time.h"
 #include "storage/Records.h"
 
 #include <QHash>
@@ -17,12 +18,28 @@ namespace kestu {
 class BrowserScripting;
 class Workspace;
 
+/// The window in front.
+struct FrontWindow {
+    QString bundleId;
+    QString appName;
+    QString title;
+    std::int64_t processId = 0;
+    // How long ago the window came to the front and its title came; absent when unknown.
+    std::optional<Seconds> inFrontFor{};
+    std::optional<Seconds> titledFor{};
+    bool isOwnPanel = false;
+    bool isIgnored = false; // a process of the system's that is never recorded
+};
+
 class WindowInspector final {
 public:
     WindowInspector(Workspace& workspace, BrowserScripting& scripting);
 
-    /// The current observation; absent when nothing is to be recorded.
-    [[nodiscard]] std::optional<Sample> sample();
+    /// What is in front; absent for nothing. Answers within milliseconds, for no browser is asked.
+    [[nodiscard]] std::optional<FrontWindow> front();
+
+    /// The observation that this window makes, with the address that a browser shows in it.
+    [[nodiscard]] Sample sample(const FrontWindow& front);
 
 private:
     /// The last question to a browser and its answer; that there was no address is remembered too.

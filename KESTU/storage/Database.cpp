@@ -189,6 +189,10 @@ std::int64_t Database::run(const QString& sql, const SqlValues& arguments) {
     return sqlite3_last_insert_rowid(m_handle.get());
 }
 
+std::int64_t Database::changedRows() const noexcept {
+    return sqlite3_changes(m_handle.get());
+}
+
 void Database::executeScript(const QString& sql) {
     if (sqlite3_exec(m_handle.get(), sql.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw failure(m_handle.get(), sql);

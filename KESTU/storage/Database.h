@@ -82,6 +82,9 @@ public:
     /// @throws DatabaseError SQLite's message, " — " and `sql`.
     std::int64_t run(const QString& sql, const SqlValues& arguments = {});
 
+    /// How many rows the last run() has changed.
+    [[nodiscard]] std::int64_t changedRows() const noexcept;
+
     /// The rows of one statement, each as `read` makes it, in order.
     /// @throws DatabaseError as run(); the rows read so far are discarded.
     template<typename Read>

@@ -25,6 +25,18 @@ struct ManualEntry {
     QSet<TagId> tagIds;
 };
 
+/// A row as the tracker left it.
+struct RecordedRow {
+    ActivityId id{};
+    Instant end{}; // as it was written last
+};
+
+/// A row of the tracker's, and the instant from which on it holds nothing.
+struct RecordedCut {
+    RecordedRow row;
+    Instant at{};
+};
+
 class Repository final {
 public:
     /// Takes over an opened database at the current schema. `clock` stamps daily notes.
@@ -41,6 +53,14 @@ public:
     ActivityId insertActivity(const Sample& sample, Instant at);
 
     void extendActivity(ActivityId id, Instant end);
+
+    /// Moves the end of a row that is still as the tracker left it. False, and nothing is written, when
+    /// another hand has cut it, deleted it, or put an entry into its place.
+    [[nodiscard]] bool extendRecorded(const RecordedRow& row, Instant end);
+
+    /// Takes away what these rows hold from the given instants on, and the rows of which nothing is left;
+    /// all or nothing. Rows that are no longer as the tracker left them stay as they are.
+    void cutRecorded(std::span<const RecordedCut> cuts);
 
     /// Activities whose end lies after `from` and whose start lies before `to`, whole, with their tags,
     /// by start; equal starts by id. The cost does not grow with the age of the file.

@@ -85,6 +85,27 @@ void Repository::extendActivity(ActivityId id, Instant end) {
     m_database->run(QStringLiteral("UPDATE activity SET end = ? WHERE id = ?"), {epochSeconds(end), id});
 }
 
+bool Repository::extendRecorded(const RecordedRow& row, Instant end) {
+    m_database->run(QStringLiteral("UPDATE activity SET end = ? WHERE id = ? AND is_manual = 0 AND end = ?"),
+                    {epochSeconds(end), row.id, epochSeconds(row.end)});
+    return m_database->changedRows() > 0;
+}
+
+void Repository::cutRecorded(std::span<const RecordedCut> cuts) {
+    m_database->transaction([&] {
+        for (const auto& [row, at] : cuts) {
+            const double from = epochSeconds(at);
+            const double end = epochSeconds(row.end);
+            m_database->run(QStringLiteral("DELETE FROM activity WHERE id = ? AND is_manual = 0 AND end = ? "
+                                           "AND start >= ?"),
+                            {row.id, end, from});
+            m_database->run(QStringLiteral("UPDATE activity SET end = ? WHERE id = ? AND is_manual = 0 "
+                                           "AND end = ? AND start < ? AND end > ?"),
+                            {from, row.id, end, from, from});
+        }
+    });
+}
+
 std::vector<Activity> Repository::activitiesOverlapping(Instant from, Instant to) const {
     return m_database->query(m_overlapRead.sql(), m_overlapRead.arguments(from, to), activityIn);
 }

@@ -26,6 +26,20 @@ protected:
         platform.fakeWorkspace.title = QString::fromUtf8(title);
     }
 
+    /// A window that came to the front `age` seconds ago.
+    void showSince(double age, const char* bundleId, const char* title) {
+        show(bundleId, title);
+        platform.fakeWorkspace.front->inFrontFor = Seconds{age};
+    }
+
+    void retitleSince(double age, const char* title) {
+        platform.fakeWorkspace.title = QString::fromUtf8(title);
+        platform.fakeWorkspace.front->inFrontFor = Seconds{1000};
+        platform.fakeWorkspace.front->titledFor = Seconds{age};
+    }
+
+    void showNothing() { platform.fakeWorkspace.front.reset(); }
+
     void tick() { Q_EMIT platform.events.applicationActivated(); }
 
     /// Lets `seconds` pass without input, and ticks.
@@ -43,16 +57,15 @@ protected:
 
     /// The rows as "title start-end", in seconds since the test began.
     [[nodiscard]] std::string rows() const {
-        return store.dump(
-            u"SELECT title || ' ' || CAST(start - %1 AS INTEGER) || '-' || CAST(end - %1 AS INTEGER) "
-            "FROM activity ORDER BY start, id"_s.arg(epochSeconds(began), 0, 'f'));
+        return store.dump(u"SELECT printf('%s %g-%g', title, round(start - %1, 2), round(end - %1, 2)) "
+                          "FROM activity ORDER BY start, id"_s.arg(epochSeconds(began), 0, 'f'));
     }
 
     test::TemporaryStore store;
     test::FakeClock clock;
-    const Instant began = clock.now;
+    Instant began = clock.now;
     test::FakePlatform platform;
-    Tracker tracker{*store.repository, platform, clock.clock()};
+    Tracker tracker{*store.repository, platform, clock.clock(), clock.uptime()};
     int updates = 0;
 };
 
@@ -179,27 +192,295 @@ TEST_F(TrackerTest, GoesOnInANewRowAfterAResetOfTheSession) {
     clock.now += Seconds{1};
     tracker.resetSession();
     workFor(2);
-    EXPECT_EQ(rows(), "a.txt 0-4\na.txt 5-7");
+    EXPECT_EQ(rows(), "a.txt 0-4\na.txt 4-7") << "no time lies between";
     tracker.stop();
     tracker.resetSession();
     EXPECT_FALSE(tracker.current());
 }
 
-TEST_F(TrackerTest, DropsAFailedWriteAndGoesOn) {
-    store.execute(u"CREATE TRIGGER full BEFORE INSERT ON activity "
-                  "BEGIN SELECT RAISE(ABORT, 'full'); END"_s);
+TEST_F(TrackerTest, WritesARowThatFailedWithItsOwnStartAsLongAsItLasts) {
+    const QString full = u"CREATE TRIGGER full BEFORE INSERT ON activity "
+                         "BEGIN SELECT RAISE(ABORT, 'full'); END"_s;
+    store.execute(full);
     tracker.start();
     workFor(2);
     EXPECT_EQ(rows(), "");
     EXPECT_TRUE(tracker.current());
     EXPECT_EQ(updates, 2);
     store.execute(u"DROP TRIGGER full"_s);
-    workFor(2); // the same activity: it has no row
-    EXPECT_EQ(rows(), "");
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-4");
+    store.execute(full);
     show("editor", "b.txt");
     workFor(2);
     workFor(2);
-    EXPECT_EQ(rows(), "b.txt 6-8");
+    show("editor", "c.txt");
+    store.execute(u"DROP TRIGGER full"_s);
+    workFor(2); // the very last chance of b.txt
+    EXPECT_EQ(rows(), "a.txt 0-6\nb.txt 6-10\nc.txt 10-10");
+}
+
+TEST_F(TrackerTest, LeavesARowToAnotherHandAndGoesOnInANewOne) {
+    const struct {
+        const char* name;
+        QString sql; // run by another connection at second 5, the row being 0-4
+        const char* rows;
+    } cases[] = {
+        {"cut",
+         u"UPDATE activity SET end = %1 + 1; INSERT INTO activity (start, end, bundle_id, app_name, "
+         "title, is_manual) VALUES (%1 + 1, %1 + 3, 'kestu.manual', '手動', 'entry', 1)"_s,
+         "a.txt 0-1\nentry 1-3\na.txt 4-8"},
+        {"deleted", u"DELETE FROM activity"_s, "a.txt 4-8"},
+        {"replaced", u"UPDATE activity SET is_manual = 1, title = 'entry'"_s, "entry 0-4\na.txt 4-8"},
+        {"sorted", u"UPDATE activity SET app_name = 'mine'"_s, "a.txt 0-8"},
+        {"cut at its beginning", u"UPDATE activity SET start = %1 + 2"_s, "a.txt 2-8"},
+    };
+    Database other(store.path);
+    for (const auto& row : cases) {
+        tracker.start();
+        workFor(4);
+        clock.now += Seconds{1};
+        other.executeScript(QString(row.sql).replace(u"%1"_s, QString::number(epochSeconds(began), 'f')));
+        workFor(1);
+        workFor(2);
+        EXPECT_EQ(rows(), row.rows) << row.name;
+        tracker.stop();
+        store.execute(u"DELETE FROM activity"_s);
+        clock.now += Seconds{100};
+        began = clock.now;
+    }
+}
+
+TEST_F(TrackerTest, KeepsWhatIsStoredWhenTheClockIsSetBack) {
+    tracker.start();
+    workFor(4);
+    clock.setBy(Seconds{-5});
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-4") << "until the clock has caught up";
+    show("editor", "b.txt");
+    workFor(2);
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-4\nb.txt 4-5") << "no second is counted twice";
+    workFor(20 - 5);
+    clock.setBy(Seconds{-3});
+    tracker.stop();
+    EXPECT_EQ(rows(), "a.txt 0-4\nb.txt 4-5\nb.txt 20-20") << "an end does not go back";
+    tracker.start();
+    workFor(2);
+    clock.setBy(Seconds{-3600});
+    workFor(2);
+    workFor(2);
+    EXPECT_EQ(rows(), "b.txt -3579--3577\na.txt 0-4\nb.txt 4-5\nb.txt 20-20\nb.txt 20-20");
+}
+
+TEST_F(TrackerTest, CutsAnAbsenceOutOfEveryRowInWhichItWasRecorded) {
+    tracker.start();
+    workFor(10);
+    for (int i = 0; i < 80; ++i) {
+        idleFor(2);
+        show("player", i % 2 == 0 ? "one" : "two"); // by itself
+    }
+    ASSERT_NE(rows(), "a.txt 0-10");
+    const int updatesBefore = updates;
+    idleFor(20);
+    EXPECT_EQ(rows(), "a.txt 0-10");
+    EXPECT_EQ(updates, updatesBefore + 1);
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-10\ntwo 192-192");
+}
+
+TEST_F(TrackerTest, CutsAnAbsenceAlthoughTheClockWasSetMeanwhile) {
+    tracker.start();
+    workFor(10);
+    idleFor(2);
+    clock.setBy(Seconds{-3600});
+    for (int i = 0; i < 89; ++i) {
+        idleFor(2);
+    }
+    EXPECT_EQ(rows(), "a.txt 0-10");
+}
+
+TEST_F(TrackerTest, CutsNothingThatWasKeptAliveOrThatAnotherHandHasTouched) {
+    platform.fakeAssertions.types = {assertionType::preventUserIdleDisplaySleep.toString()};
+    tracker.start();
+    for (int i = 0; i < 150; ++i) {
+        idleFor(2);
+    }
+    platform.fakeAssertions.types = QStringList();
+    idleFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-300") << "the film is over, and was seen";
+    EXPECT_FALSE(tracker.current());
+
+    workFor(98);
+    idleFor(10);
+    show("editor", "b.txt");
+    idleFor(2);
+    store.execute(u"UPDATE activity SET end = end - 1 WHERE title = 'a.txt' AND start > %1 + 300"_s.arg(
+        epochSeconds(began), 0, 'f'));
+    idleFor(180);
+    EXPECT_EQ(rows(), "a.txt 0-300\na.txt 400-411") << "cut by another hand, it is its own";
+}
+
+TEST_F(TrackerTest, CutsAnAbsenceLaterWhenItCannotBeWrittenAtOnce) {
+    tracker.start();
+    workFor(10);
+    idleFor(2);
+    store.execute(u"CREATE TRIGGER full BEFORE UPDATE ON activity "
+                  "BEGIN SELECT RAISE(ABORT, 'full'); END"_s);
+    idleFor(180);
+    EXPECT_EQ(rows(), "a.txt 0-12");
+    store.execute(u"DROP TRIGGER full"_s);
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-10\na.txt 194-194");
+}
+
+TEST_F(TrackerTest, BeginsARowWhenItsWindowOrTitleCame) {
+    tracker.start();
+    workFor(2);
+    showSince(0.5, "mail", "b");
+    workFor(1);
+    EXPECT_EQ(rows(), "a.txt 0-2.5\nb 2.5-3");
+    retitleSince(1.5, "c");
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-2.5\nb 2.5-3.5\nc 3.5-5");
+    retitleSince(9, "never earlier than what was seen");
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-2.5\nb 2.5-3.5\nc 3.5-5\nnever earlier than what was seen 5-7");
+
+    tracker.policy.excludedBundleIds = {u"secret"_s};
+    showSince(0.5, "secret", "");
+    workFor(1);
+    showSince(0.25, "mail", "d");
+    workFor(1);
+    tracker.stop();
+    EXPECT_EQ(rows(), "a.txt 0-2.5\nb 2.5-3.5\nc 3.5-5\nnever earlier than what was seen 5-7.5\nd 8.75-9");
+}
+
+TEST_F(TrackerTest, MakesNoRowOfWhatIsGoneInAMoment) {
+    tracker.start();
+    workFor(1);
+    showSince(0.02, "panel", "panel");
+    workFor(1);
+    showSince(0.05, "launcher", "launcher");
+    workFor(0.06);
+    showSince(0.04, "editor", "a.txt"); // back again
+    workFor(0.04);
+    EXPECT_EQ(rows(), "a.txt 0-1");
+    showSince(1, "editor", "a.txt");
+    workFor(0.9);
+    EXPECT_EQ(rows(), "a.txt 0-3");
+    showSince(0.09, "mail", "mail");
+    workFor(2.09);
+    EXPECT_EQ(rows(), "a.txt 0-5") << "goes on until something else stays";
+    ASSERT_TRUE(test::waitUntil(
+        [this] {
+            platform.fakeWorkspace.front->inFrontFor = Seconds{0.1};
+            return rows() == "a.txt 0-5\nmail 5-5.09";
+        },
+        1000))
+        << rows();
+}
+
+TEST_F(TrackerTest, BridgesAMomentInWhichNothingIsInFront) {
+    tracker.start();
+    workFor(2);
+    showNothing();
+    workFor(0.5);
+    workFor(0.5);
+    showSince(0.25, "editor", "a.txt");
+    workFor(1);
+    EXPECT_EQ(rows(), "a.txt 0-4") << "the window manager was replaced";
+    showNothing();
+    workFor(1);
+    workFor(0.7);
+    EXPECT_EQ(rows(), "a.txt 0-5") << "ends when nothing came";
+    EXPECT_FALSE(tracker.current());
+    show("editor", "a.txt");
+    workFor(2);
+    showNothing();
+    workFor(1);
+    tracker.stop();
+    EXPECT_EQ(rows(), "a.txt 0-5\na.txt 7.7-8.7");
+}
+
+TEST_F(TrackerTest, SeesATitleThatStaysAndNoneThatDoesNot) {
+    tracker.start();
+    workFor(2);
+    const auto changeTitle = [this](double age, const char* title) {
+        retitleSince(age, title);
+        Q_EMIT platform.events.titleChanged();
+    };
+    const int updatesBefore = updates;
+    QElapsedTimer sinceFirst;
+    sinceFirst.start();
+    for (int i = 0; i < 20; ++i) { // a spinner
+        changeTitle(0.01, i % 2 == 0 ? "|" : "/");
+        test::waitUntil([] { return false; }, 20);
+    }
+    EXPECT_EQ(updates, updatesBefore);
+    changeTitle(0.25, "stays");
+    clock.now += Seconds{0.25};
+    ASSERT_TRUE(test::waitUntil([this] { return tracker.current()->title == u"stays"_s; }, 1500));
+    EXPECT_EQ(rows(), "a.txt 0-2\nstays 2-2.25");
+    EXPECT_LT(sinceFirst.elapsed(), 1500);
+
+    retitleSince(0.1, "too soon");
+    workFor(0.5);
+    EXPECT_EQ(tracker.current()->title, u"stays"_s) << "one row a second";
+    retitleSince(0.7, "too soon");
+    workFor(0.6);
+    EXPECT_EQ(rows(), "a.txt 0-2\nstays 2-2.65\ntoo soon 2.65-3.35") << "and yet from when it came";
+}
+
+TEST_F(TrackerTest, NeverSamplesItsOwnPanel) {
+    tracker.start();
+    workFor(2);
+    showSince(0.01, "kestu", "KESTU");
+    platform.fakeWorkspace.front->isOwnPanel = true;
+    workFor(2);
+    workFor(2);
+    EXPECT_EQ(tracker.current()->title, u"a.txt"_s);
+    EXPECT_EQ(rows(), "a.txt 0-6");
+    showSince(1, "mail", "mail");
+    workFor(2);
+    EXPECT_EQ(rows(), "a.txt 0-7\nmail 7-8");
+    tracker.stop();
+    show("kestu", "KESTU");
+    platform.fakeWorkspace.front->isOwnPanel = true;
+    tracker.start();
+    EXPECT_FALSE(tracker.current());
+}
+
+TEST_F(TrackerTest, RecordsNoWindowThatHasVanished) {
+    tracker.start();
+    platform.fakeWorkspace.front = FrontmostApplication{.bundleId = {}, .localizedName = {}};
+    workFor(2);
+    workFor(2);
+    EXPECT_FALSE(tracker.current());
+    EXPECT_EQ(rows(), "a.txt 0-2");
+}
+
+TEST_F(TrackerTest, AsksHowThingsStandWhenItStarts) {
+    tracker.start();
+    Q_EMIT platform.events.willSleep();
+    workFor(2);
+    tracker.stop();
+    tracker.start(); // nobody heard of the wake
+    EXPECT_TRUE(tracker.current());
+    tracker.stop();
+    platform.events.held = true;
+    tracker.start();
+    EXPECT_FALSE(tracker.current());
+    Q_EMIT platform.events.screenUnlocked();
+    EXPECT_TRUE(tracker.current());
+}
+
+TEST_F(TrackerTest, CountsNoSilenceAtTheEnd) {
+    tracker.start();
+    workFor(2);
+    clock.now += Seconds{3600}; // asleep, and nobody said so
+    Q_EMIT platform.events.screenLocked();
+    EXPECT_EQ(rows(), "a.txt 0-2");
 }
 
 TEST_F(TrackerTest, SurvivesAWriterThatHoldsTheLockForLongerThanItWaits) {

@@ -12,6 +12,11 @@ using namespace Qt::StringLiterals;
 
 class WindowInspectorTest : public testing::Test {
 protected:
+    static std::optional<Sample> sampleOf(WindowInspector& inspector) {
+        const auto front = inspector.front();
+        return front && !front->isIgnored ? std::optional(inspector.sample(*front)) : std::nullopt;
+    }
+
     void show(const char* bundleId, const char* title) {
         workspace.front = {QString::fromUtf8(bundleId), u"名前"_s, 7};
         workspace.title = QString::fromUtf8(title);
@@ -23,19 +28,21 @@ protected:
 
 TEST_F(WindowInspectorTest, NamesWhatHasNoNameAndIgnoresWhatIsNeverRecorded) {
     WindowInspector inspector(workspace, scripting);
-    EXPECT_FALSE(inspector.sample());
+    EXPECT_FALSE(sampleOf(inspector));
 
+    workspace.front = {{}, {}, 0};
+    EXPECT_FALSE(sampleOf(inspector)) << "no process and no name: it has vanished";
     workspace.front = {{}, {}, 812};
     workspace.title = u"題"_s;
-    EXPECT_EQ(inspector.sample(), (Sample{u"pid.812"_s, u"pid.812"_s, u"題"_s, {}}));
+    EXPECT_EQ(sampleOf(inspector), (Sample{u"pid.812"_s, u"pid.812"_s, u"題"_s, {}}));
     workspace.front->localizedName = u"道具"_s;
-    EXPECT_EQ(inspector.sample()->appName, u"道具"_s);
+    EXPECT_EQ(sampleOf(inspector)->appName, u"道具"_s);
 
     for (const char* ignored :
          {"com.apple.loginwindow", "com.apple.ScreenSaver.Engine", "com.apple.UserNotificationCenter",
           "com.apple.accessibility.universalAccessAuthWarn"}) {
         show(ignored, "");
-        EXPECT_FALSE(inspector.sample()) << ignored;
+        EXPECT_FALSE(sampleOf(inspector)) << ignored;
     }
 }
 
@@ -58,7 +65,7 @@ TEST_F(WindowInspectorTest, AsksEachBrowserByItsOwnScript) {
     for (const auto& [bundleId, statement] : rows) {
         scripting.requests.clear();
         show(bundleId, "題");
-        (void)inspector.sample();
+        (void)sampleOf(inspector);
         ASSERT_EQ(scripting.requests.size(), 1U) << bundleId;
         EXPECT_EQ(scripting.requests[0].source.toStdString(),
                   std::string("with timeout of 1 seconds\n    tell application id \"") + bundleId + "\" to " +
@@ -88,7 +95,7 @@ TEST_F(WindowInspectorTest, AsksOncePerApplicationAndTitleAndRemembersAnAbsentAd
     for (const auto& row : rows) {
         show(row.bundleId, row.title);
         scripting.answer = row.answer;
-        EXPECT_EQ(inspector.sample()->url, row.url) << row.answer.value_or(u"none"_s).toStdString();
+        EXPECT_EQ(sampleOf(inspector)->url, row.url) << row.answer.value_or(u"none"_s).toStdString();
         EXPECT_EQ(scripting.requests.size(), row.questions);
     }
 }

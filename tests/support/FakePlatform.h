@@ -26,9 +26,18 @@ namespace kestu::test {
 
 struct FakeClock {
     Instant now = instantAt(1'772'600'000);
+    Seconds wasSetBy{0};
 
+    /// Sets the wall clock, as a person or a time server does: no time passes.
+    void setBy(Seconds step) {
+        now += step;
+        wasSetBy += step;
+    }
     [[nodiscard]] Clock clock() {
         return [this] { return now; };
+    }
+    [[nodiscard]] Uptime uptime() {
+        return [this] { return now.time_since_epoch() - wasSetBy; };
     }
 };
 

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "capture/RowWriter.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace kestu {
+
+RowWriter::RowWriter(Repository& repository)
+    : m_repository(repository) {}
+
+void RowWriter::begin(const Sample& sample, Instant start, const Moment& now) {
+    flushCuts();
+    m_open = OpenActivity{.sample = sample, .start = start};
+    insert(now);
+}
+
+void RowWriter::extend(Instant end, const Moment& now) {
+    flushCuts();
+    if (!m_open) {
+        return;
+    }
+    if (m_open->hasRow && !write(m_rows.back(), end, now)) {
+        m_open->start = m_rows.back().stored.end;
+        m_open->hasRow = false;
+        m_rows.pop_back();
+    }
+    if (!m_open->hasRow) {
+        insert(now);
+        if (m_open->hasRow) {
+            (void)write(m_rows.back(), end, now);
+        }
+    }
+}
+
+void RowWriter::finish() {
+    m_open.reset();
+}
+
+void RowWriter::settleUntil(Seconds uptime) {
+    const auto isOver = [uptime](const Row& row) { return row.stored.end <= row.origin + uptime; };
+    const auto last = m_open && m_open->hasRow ? std::prev(m_rows.end()) : m_rows.end();
+    m_rows.erase(m_rows.begin(), std::find_if_not(m_rows.begin(), last, isOver));
+}
+
+bool RowWriter::cutAfter(Seconds uptime) {
+    m_open.reset();
+    const auto known = m_cuts.size();
+    for (const Row& row : m_rows) {
+        const Instant at = row.origin + uptime;
+        if (row.stored.end >= at) {
+            m_cuts.push_back({.row = row.stored, .at = at});
+            m_writtenUntil = std::min(m_writtenUntil.value_or(at), at);
+        }
+    }
+    m_rows.clear();
+    const bool isCut = m_cuts.size() > known;
+    flushCuts();
+    return isCut;
+}
+
+void RowWriter::flushCuts() {
+    if (m_cuts.empty()) {
+        return;
+    }
+    try {
+        m_repository.cutRecorded(m_cuts);
+        m_cuts.clear();
+    } catch (const DatabaseError&) {
+        // Kept: the next write tries again.
+    }
+}
+
+std::optional<ActivityId> RowWriter::openId() const {
+    return m_open && m_open->hasRow ? std::optional(m_rows.back().stored.id) : std::nullopt;
+}
+
+std::optional<Instant> RowWriter::openUntil() const {
+    if (!m_open) {
+        return std::nullopt;
+    }
+    return m_open->hasRow ? m_rows.back().stored.end : m_open->start;
+}
+
+void RowWriter::insert(const Moment& now) {
+    try {
+        const ActivityId id = m_repository.insertActivity(m_open->sample, m_open->start);
+        m_rows.push_back({.stored = {.id = id, .end = m_open->start}, .origin = now.origin()});
+        m_open->hasRow = true;
+        m_writtenUntil = m_open->start;
+    } catch (const DatabaseError&) {
+        // Capture never reports: the next tick tries again, with the same start.
+    }
+}
+
+/// False when the row is no longer ours.
+bool RowWriter::write(Row& row, Instant end, const Moment& now) {
+    try {
+        if (!m_repository.extendRecorded(row.stored, end)) {
+            return false;
+        }
+        row.stored.end = end;
+        row.origin = now.origin();
+        m_writtenUntil = end;
+    } catch (const DatabaseError&) {
+        // Dropped: the next tick writes a later end into the same row.
+    }
+    return true;
+}
+
+} // namespace kestu
