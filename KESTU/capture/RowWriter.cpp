@@ -38,19 +38,29 @@ void RowWriter::finish() {
 }
 
 void RowWriter::settleUntil(Seconds uptime) {
-    const auto isOver = [uptime](const Row& row) { return row.stored.end <= row.origin + uptime; };
+    // Two questions tell the same input some milliseconds apart, and the clock may be set between them.
+    if (uptime - m_settledUntil < Seconds{0.01}) {
+        return;
+    }
+    m_settledUntil = uptime;
+    for (Row& row : m_rows) {
+        const Instant until = std::min(row.stored.end, row.origin + uptime);
+        if (until >= row.start) {
+            row.settled = std::max(row.settled.value_or(until), until);
+        }
+    }
+    const auto isSettled = [](const Row& row) { return row.settled == row.stored.end; };
     const auto last = m_open && m_open->hasRow ? std::prev(m_rows.end()) : m_rows.end();
-    m_rows.erase(m_rows.begin(), std::find_if_not(m_rows.begin(), last, isOver));
+    m_rows.erase(m_rows.begin(), std::find_if_not(m_rows.begin(), last, isSettled));
 }
 
-bool RowWriter::cutAfter(Seconds uptime) {
+bool RowWriter::cutAbsence() {
     m_open.reset();
     const auto known = m_cuts.size();
     for (const Row& row : m_rows) {
-        const Instant at = row.origin + uptime;
-        if (row.stored.end >= at) {
-            m_cuts.push_back({.row = row.stored, .at = at});
-            m_writtenUntil = std::min(m_writtenUntil.value_or(at), at);
+        if (row.settled != row.stored.end) {
+            m_cuts.push_back({.row = row.stored, .at = row.settled.value_or(row.start)});
+            m_writtenUntil = std::min(*m_writtenUntil, m_cuts.back().at);
         }
     }
     m_rows.clear();
@@ -85,7 +95,8 @@ std::optional<Instant> RowWriter::openUntil() const {
 void RowWriter::insert(const Moment& now) {
     try {
         const ActivityId id = m_repository.insertActivity(m_open->sample, m_open->start);
-        m_rows.push_back({.stored = {.id = id, .end = m_open->start}, .origin = now.origin()});
+        m_rows.push_back(
+            {.stored = {.id = id, .end = m_open->start}, .start = m_open->start, .origin = now.origin()});
         m_open->hasRow = true;
         m_writtenUntil = m_open->start;
     } catch (const DatabaseError&) {

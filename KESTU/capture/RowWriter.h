@@ -40,13 +40,13 @@ public:
     /// Nothing that was written will be cut any more.
     void settle() { m_rows.clear(); }
 
-    /// The user was there at this uptime: rows that had ended by then are never cut.
+    /// The user was there at this uptime: what was written up to then is never cut. To be called after the
+    /// writes of a look, while the wall clock is the one that they were made by.
     void settleUntil(Seconds uptime);
 
-    /// The user had left at this uptime: nothing is open any more, and what was written from then on is
-    /// taken away, now or, when that cannot be written, with the next write that can. Returns whether there
-    /// was anything.
-    bool cutAfter(Seconds uptime);
+    /// The user has left: nothing is open any more, and what is not settled is taken away, now or, when that
+    /// cannot be written, with the next write that can. Returns whether there was anything.
+    bool cutAbsence();
 
     /// Absent when nothing is open, and while the open activity has no row because it could not be written.
     [[nodiscard]] std::optional<ActivityId> openId() const;
@@ -60,7 +60,9 @@ public:
 private:
     struct Row {
         RecordedRow stored;
-        Instant origin{}; // the wall clock's, when the row was last written
+        Instant start{};
+        Instant origin{};                 // the wall clock's, when the row was last written
+        std::optional<Instant> settled{}; // absent while nothing of the row is
     };
     struct OpenActivity {
         Sample sample;
@@ -77,6 +79,7 @@ private:
     std::vector<Row> m_rows;         // of this session, oldest first
     std::vector<RecordedCut> m_cuts; // not written yet
     std::optional<Instant> m_writtenUntil;
+    Seconds m_settledUntil = Seconds::min(); // uptime
 };
 
 } // namespace kestu

@@ -149,6 +149,7 @@ void Tracker::tick() {
     }
     const QScopedValueRollback guard(m_isTicking, true);
     apply(observe());
+    m_writer.settleUntil(m_presentUntil);
 }
 
 Sessionizer::Events Tracker::observe() {
@@ -165,14 +166,13 @@ Sessionizer::Events Tracker::observe() {
         const bool isHeld =
             frontmostPreventsDisplaySleep(m_platform.workspace(), m_platform.displayAssertions());
         if (!policy.keepsAlive(sample, isHeld)) {
-            return leave(now);
+            return leave();
         }
         m_presentUntil = now.uptime;
         if (idle >= keepAliveLimit) {
             return m_sessionizer.finish(now.time);
         }
     }
-    m_writer.settleUntil(m_presentUntil);
     if (!sample || policy.excludedBundleIds.contains(sample->bundleId)) {
         m_seenUntil = now.time;
         return m_sessionizer.finish(cameAt(front, asked, now));
@@ -238,16 +238,13 @@ Instant Tracker::cameAt(const std::optional<FrontWindow>& front, const Moment& a
 }
 
 /// The user has left: at the last input, or when nothing kept the display awake any more.
-Sessionizer::Events Tracker::leave(const Moment& now) {
-    const Instant left = now.origin() + m_presentUntil;
-    if (!m_sessionizer.extend(left).empty()) {
-        m_writer.extend(left, now);
-    }
+Sessionizer::Events Tracker::leave() {
     const bool wasOpen = m_sessionizer.openSample.has_value();
     m_sessionizer = Sessionizer{};
     m_seenUntil.reset();
     m_forgotten.reset();
-    const bool isCut = m_writer.cutAfter(m_presentUntil);
+    m_writer.settleUntil(m_presentUntil);
+    const bool isCut = m_writer.cutAbsence();
     return wasOpen || isCut ? Sessionizer::Events{Sessionizer::Closed{}} : Sessionizer::Events{};
 }
 

@@ -65,7 +65,7 @@ private:
     [[nodiscard]] std::optional<Sample> sampleOf(const std::optional<FrontWindow>& front);
     [[nodiscard]] Instant cameAt(const std::optional<FrontWindow>& front, const Moment& asked,
                                  const Moment& now) const;
-    [[nodiscard]] Sessionizer::Events leave(const Moment& now);
+    [[nodiscard]] Sessionizer::Events leave();
     [[nodiscard]] Sessionizer::Events record(const Sample& sample, Instant came, Instant now);
     [[nodiscard]] Instant beginOf(const Sample& sample, Instant came, Instant now) const;
     void noteTitle();
