@@ -47,7 +47,7 @@ AppModel::AppModel(std::unique_ptr<Repository> repository, Platform& platform, E
     : m_environment(std::move(environment))
     , m_repository(std::move(repository))
     , m_platform(platform)
-    , m_tracker(*m_repository, platform, m_environment.clock)
+    , m_tracker(*m_repository, platform, m_environment.clock, m_environment.uptime)
     , m_screen(sidebarItemFromRaw(m_environment.screen))
     , m_selectedDay(startOfToday()) {
     m_tracker.onUpdate = [this] { onTrackerUpdate(); };

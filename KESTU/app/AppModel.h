@@ -44,6 +44,7 @@ public:
         QString screen;                     // the raw value of the screen to begin with; else the timeline
         std::chrono::milliseconds watchInterval{3000}; // between two looks for another process's writes
         QString assistantServer{}; // the program through which assistants read and write, by its path
+        Uptime uptime{systemUptime};
     };
 
     /// Takes over the opened store and loads today; `platform` outlives this.

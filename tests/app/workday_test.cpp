@@ -37,7 +37,9 @@ public:
                 .calendar =
                     [] { return Calendar{.zone = QTimeZone("Asia/Tokyo"), .firstWeekday = Qt::Sunday}; },
                 .screen = {},
-                .watchInterval = 1h});
+                .watchInterval = 1h,
+                .assistantServer = {},
+                .uptime = m_clock.uptime()});
         m_start = m_clock.now = m_model->startOfToday() + 9h;
         m_model->loadSettings();
         m_model->start();
