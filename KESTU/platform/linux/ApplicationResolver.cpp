@@ -4,9 +4,7 @@
 #include "platform/linux/LaunchScope.h"
 #include "platform/linux/ProcessTree.h"
 #include "platform/linux/ProductTable.h"
-
-#include <QFileInfo>
-#include <QRegularExpression>
+#include "platform/linux/RunningProgram.h"
 
 #include <algorithm>
 #include <memory>
@@ -55,58 +53,82 @@ const DesktopEntry* entryOfWindow(Entries entries, const WindowFacts& window) {
     return nullptr;
 }
 
-/// Programs that run other programs: being one of them says nothing about what the user sees.
-bool runsOtherPrograms(const QString& executable) {
-    static const QRegularExpression hosts(
-        QStringLiteral(R"(^(?:python|pypy|perl|ruby|tclsh|wish|lua|luajit|guile|php|node|nodejs|gjs|mono|)"
-                       R"(dotnet|java|electron|nw|sh|dash|bash|zsh|fish|ksh|mksh|busybox|env|sudo|pkexec|)"
-                       R"(nice|bwrap|firejail|flatpak|snap|snap-confine|wine|wine-preloader|wine64|)"
-                       R"(wine64-preloader|qemu-.*|Xephyr|Xwayland|xterm|rxvt|urxvt|st)[-\d.]*$)"));
-    return hosts.match(QFileInfo(executable).fileName()).hasMatch();
+const DesktopEntry* entryOfFile(Entries entries, const QString& file) {
+    const auto startsIt = [&](const DesktopEntry& entry) { return entry.executable == file; };
+    return !file.isEmpty() && std::ranges::count_if(entries, startsIt) == 1 ? entryWhere(entries, startsIt)
+                                                                            : nullptr;
 }
 
-const DesktopEntry* entryOfExecutable(Entries entries, const QString& executable) {
-    const auto startsIt = [&](const DesktopEntry& entry) { return entry.executable == executable; };
-    if (executable.isEmpty() || runsOtherPrograms(executable) ||
-        std::ranges::count_if(entries, startsIt) != 1) {
+/// The scope tells two entries of one program apart.
+const DesktopEntry* entryOfScope(Entries entries, const QString& file, const QString& scope) {
+    const auto* entry = entryWithId(entries, scope);
+    return entry != nullptr && !file.isEmpty() && entry->executable == file ? entry : nullptr;
+}
+
+/// For a window that names its class, a program that runs others says nothing; without a class it is all
+/// there is.
+const DesktopEntry* entryOfProgram(Entries entries, const RunningProgram& program, const WindowFacts& window,
+                                   const QString& procRoot) {
+    if (window.processId <= 0) {
         return nullptr;
     }
-    return entryWhere(entries, startsIt);
-}
-
-const DesktopEntry* entryOfProcess(Entries entries, std::int64_t processId, const QString& procRoot) {
-    if (const auto* entry = entryOfExecutable(entries, executableOf(procRoot, processId))) {
-        return entry;
+    const bool hasClass = !window.wmClass.isEmpty() || !window.wmInstance.isEmpty();
+    const DesktopEntry* entry = nullptr;
+    if (!hasClass || !runsOtherPrograms(program.file)) {
+        entry = entryOfScope(entries, program.file, scopeId(procRoot, window.processId).value_or(QString()));
+        entry = entry != nullptr ? entry : entryOfFile(entries, program.file);
     }
-    const auto id = launchedId(procRoot, processId);
-    return id ? entryWithId(entries, *id) : nullptr;
+    if (entry == nullptr) {
+        entry = entryWithId(entries, launchedId(procRoot, window.processId).value_or(QString()));
+    }
+    return entry != nullptr || hasClass ? entry : entryOfWindow(entries, {.wmClass = program.name});
 }
 
 ApplicationIdentity identity(const QString& id, const QString& name) {
-    return {.bundleId = productId(id).value_or(id), .localizedName = name.isEmpty() ? id : name};
+    const QString shown = shellPartName(id).value_or(name.isEmpty() ? id : name);
+    return {.bundleId = productId(id).value_or(id), .localizedName = shown};
+}
+
+/// A file manager's desktop is not the file manager: to exclude the one must not exclude the other.
+ApplicationIdentity desktopOf(const ApplicationIdentity& application) {
+    QString id = application.bundleId.value_or(QString());
+    if (!id.endsWith(u"desktop", Qt::CaseInsensitive)) {
+        id += id.isEmpty() ? QStringLiteral("desktop") : QStringLiteral("-desktop");
+    }
+    return {.bundleId = id, .localizedName = QStringLiteral("デスクトップ")};
+}
+
+ApplicationIdentity applicationOf(const WindowFacts& window, Entries entries, const QString& procRoot) {
+    const RunningProgram program =
+        window.processId > 0 ? runningProgram(procRoot, window.processId) : RunningProgram();
+    QString ownName = window.wmClass.isEmpty() ? window.wmInstance : window.wmClass;
+    if (ownName.isEmpty()) {
+        ownName = program.name;
+    }
+    if (const auto id = window.processId > 0 ? sandboxId(procRoot, window.processId) : std::nullopt) {
+        const auto* entry = entryWithId(entries, *id);
+        return identity(*id, entry != nullptr ? entry->localizedName : ownName);
+    }
+    const auto* entry = entryWithId(entries, window.gtkApplicationId);
+    entry = entry != nullptr ? entry : entryOfWindow(entries, window);
+    entry = entry != nullptr ? entry : entryOfProgram(entries, program, window, procRoot);
+    if (entry != nullptr) {
+        return identity(entry->id, entry->localizedName);
+    }
+    const QString& id = window.gtkApplicationId.isEmpty() ? ownName : window.gtkApplicationId;
+    return id.isEmpty() ? ApplicationIdentity{} : identity(id, ownName);
 }
 
 } // namespace
 
 size_t qHash(const WindowFacts& window, size_t seed) noexcept {
-    return qHashMulti(seed, window.wmInstance, window.wmClass, window.processId);
+    return qHashMulti(seed, window.wmInstance, window.wmClass, window.gtkApplicationId, window.isDesktop,
+                      window.processId);
 }
 
 ApplicationIdentity identityOf(const WindowFacts& window, Entries entries, const QString& procRoot) {
-    const QString& ownName = window.wmClass.isEmpty() ? window.wmInstance : window.wmClass;
-    const bool hasProcess = window.processId > 0;
-    if (const auto id = hasProcess ? sandboxId(procRoot, window.processId) : std::nullopt) {
-        const auto* entry = entryWithId(entries, *id);
-        return identity(*id, entry != nullptr ? entry->localizedName : ownName);
-    }
-    const auto* entry = entryOfWindow(entries, window);
-    if (entry == nullptr && hasProcess) {
-        entry = entryOfProcess(entries, window.processId, procRoot);
-    }
-    if (entry != nullptr) {
-        return identity(entry->id, entry->localizedName);
-    }
-    return ownName.isEmpty() ? ApplicationIdentity{} : identity(ownName, ownName);
+    const ApplicationIdentity application = applicationOf(window, entries, procRoot);
+    return window.isDesktop ? desktopOf(application) : application;
 }
 
 ApplicationIds::ApplicationIds(EntrySource entries, QString procRoot)

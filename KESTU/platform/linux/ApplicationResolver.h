@@ -19,8 +19,10 @@ namespace kestu {
 
 /// What a window says of itself.
 struct WindowFacts {
-    QString wmInstance;
-    QString wmClass;
+    QString wmInstance{};
+    QString wmClass{};
+    QString gtkApplicationId{};
+    bool isDesktop = false;     // the window behind all others, with the icons
     std::int64_t processId = 0; // 0 when unknown
     bool operator==(const WindowFacts&) const = default;
 };
@@ -33,9 +35,10 @@ struct ApplicationIdentity {
     bool operator==(const ApplicationIdentity&) const = default;
 };
 
-/// Sandbox id, then window class, then executable, then launch scope, and the window class itself for a
-/// program without an entry; products of the product table get their one id. Absent only for a window
-/// without a class and without any of these. `procRoot` is "/proc", or a test's tree.
+/// Sandbox id; then the entry that the window's GTK application id, its class, its program or its launch
+/// scope names; then the first of the first three itself. Products of the product table get their one id, and
+/// a file manager's desktop has an id beside the file manager's. Absent only for a window without any of
+/// these. `procRoot` is "/proc", or a test's tree.
 [[nodiscard]] ApplicationIdentity identityOf(const WindowFacts& window, std::span<const DesktopEntry> entries,
                                              const QString& procRoot);
 

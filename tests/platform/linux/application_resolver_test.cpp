@@ -13,6 +13,10 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::putFile;
 
+QByteArray snapScope(const QByteArray& name, const QByteArray& application) {
+    return "snap." + name + '.' + application + "-0f3c2a1b-12ab-34cd-56ef-0123456789ab.scope";
+}
+
 /// A process table of the test's own.
 class ProcessTree {
 public:
@@ -23,12 +27,18 @@ public:
         putFile(folder + u"cgroup"_s, "0::/user.slice/user@1000.service/app.slice/" + unit + '\n');
         putFile(folder + u"stat"_s,
                 QByteArray::number(id) + " (a) b (c) S " + QByteArray::number(parent) + " 7 7 0");
-        QFile::link(executable, folder + u"exe"_s);
+        if (!executable.isEmpty()) {
+            QFile::link(executable, folder + u"exe"_s);
+        }
     }
 
-    void setFlatpakInfo(int id, const QByteArray& contents) {
-        putFile(u"%1/%2/root/.flatpak-info"_s.arg(root()).arg(id), contents);
+    /// `name` is a file below the process's folder.
+    void put(int id, const char* name, const QByteArray& contents) {
+        putFile(u"%1/%2/%3"_s.arg(root(), QString::number(id), QString::fromUtf8(name)), contents);
     }
+
+    /// The command line in its words, parted by blanks.
+    void setCommand(int id, QByteArray words) { put(id, "cmdline", words.replace(' ', '\0') + '\0'); }
 
 private:
     QTemporaryDir m_folder;
@@ -39,6 +49,12 @@ DesktopEntry entry(QStringView id, QStringView name, QStringView wmClass = {}, Q
             .localizedName = name.toString(),
             .startupWmClass = wmClass.toString(),
             .executable = executable.toString()};
+}
+
+std::string described(const ApplicationIdentity& identity) {
+    const QString absent = u"-"_s;
+    return u"%1 / %2"_s.arg(identity.bundleId.value_or(absent), identity.localizedName.value_or(absent))
+        .toStdString();
 }
 
 const std::vector<DesktopEntry> entries{
@@ -52,6 +68,10 @@ const std::vector<DesktopEntry> entries{
     entry(u"org.flathub.Draw", u"描画"),
     entry(u"firefox_firefox", u"火狐"),
     entry(u"kitty", u"端末", u"kitty", u"/usr/bin/kitty"),
+    entry(u"debian-xterm", u"仮想端末", u"XTerm", u"/usr/bin/xterm"),
+    entry(u"org.example.Notes", u"メモ", u"", u"/usr/bin/notes"),
+    entry(u"org.example.Notes-settings", u"メモの設定", u"", u"/usr/bin/notes"),
+    entry(u"org.example.Paint", u"絵", u"", u"/usr/bin/paint"),
     entry(u"exact", u"大小", u"CaseMatters"),
     entry(u"folded", u"小文字", u"casematters"),
 };
@@ -59,10 +79,15 @@ const std::vector<DesktopEntry> entries{
 TEST(ApplicationIdentity, FollowsTheSurestSignOfAWindow) {
     ProcessTree processes;
     processes.add(10, "app-kitty-10.scope", u"/app/bin/draw"_s);
-    processes.setFlatpakInfo(10, "[Instance]\nname=wrong\n[Application]\nname=org.flathub.Draw\nruntime=r\n");
-    processes.add(11, "app-flatpak-org.flathub.Unknown\\x2dOne-11.scope", u"/usr/bin/bwrap"_s);
-    processes.add(12, "snap.firefox.firefox-0f3c2a1b-12ab-34cd-56ef-0123456789ab.scope", QString());
-    processes.add(13, "snap.my-tool.my-app-0f3c2a1b-12ab-34cd-56ef-0123456789ab.scope/inner", QString());
+    processes.put(10, "root/.flatpak-info",
+                  "[Instance]\nname=wrong\n[Application]\nname=org.flathub.Draw\nruntime=r\n");
+    processes.add(11, "app-flatpak-org.flathub.Unknown\\x2dOne-11.scope", QString());
+    processes.add(12, snapScope("firefox", "firefox"), u"/snap/firefox/4848/usr/lib/firefox/firefox"_s);
+    processes.add(13, snapScope("my-tool", "my-app") + "/inner", u"/var/lib/snapd/snap/my-tool/3/bin/a"_s);
+    processes.add(14, snapScope("my-tool", "my-app"), u"/usr/bin/python3.10"_s);
+    processes.setCommand(14, "python3 -Es /snap/my-tool/3/bin/tool");
+    processes.add(15, snapScope("editor", "editor"), u"/usr/bin/gimp-2.10"_s);
+    processes.add(16, snapScope("editor", "editor"), u"/snap/editor-extras/1/bin/extra"_s);
     processes.add(20, "app-gnome-org.gnome.Nautilus-20.scope", u"/usr/bin/nautilus"_s);
     processes.add(21, "app-gnome-org.gnome.Nautilus-20.scope", u"/usr/bin/evince (deleted)"_s, 20);
     processes.add(22, "app-gnome-org.example.Tweaks-22.scope", u"/usr/bin/python3.11"_s);
@@ -70,6 +95,14 @@ TEST(ApplicationIdentity, FollowsTheSurestSignOfAWindow) {
     processes.add(24, "app-kitty@1f.service", u"/usr/bin/python3.11"_s, 23);
     processes.add(25, "session-2.scope", u"/opt/google/chrome/google-chrome"_s);
     processes.add(26, "app-gnome-org.gnome.Nautilus-26.scope", u"/usr/bin/python3.11"_s);
+    processes.add(27, "app-gnome-org.gnome.Nautilus-20.scope", u"/usr/bin/python3.11"_s);
+    processes.add(28, "app-kitty@1f.service", u"/opt/kitty/kitty.bin"_s);
+    processes.put(28, "environ", "A=b\0SYSTEMD_EXEC_PID=28\0"_ba);
+    processes.add(29, "app-kitty@1f.service", u"/opt/child"_s);
+    processes.put(29, "environ", "A=b\0SYSTEMD_EXEC_PID=28\0"_ba);
+    processes.add(30, "app-org.example.Notes-30.scope", u"/usr/bin/notes"_s);
+    processes.add(31, "session-2.scope", u"/usr/bin/python3.11"_s);
+    processes.setCommand(31, "/usr/bin/python3 -W ignore -u /usr/bin/paint --new");
 
     const struct {
         const char* fact;
@@ -82,6 +115,9 @@ TEST(ApplicationIdentity, FollowsTheSurestSignOfAWindow) {
         {"Flatpak by its scope, no entry", u"u", u"Unknown", 11, "org.flathub.Unknown-One / Unknown"},
         {"Snap that is a product", u"Navigator", u"firefox", 12, "org.mozilla.firefox / 火狐"},
         {"Snap without an entry", u"x", u"Tool", 13, "my-tool_my-app / Tool"},
+        {"script in a Snap", u"x", u"Tool", 14, "my-tool_my-app / Tool"},
+        {"program of the system, started in a Snap", u"", u"Gimp", 15, "gimp / 画像編集"},
+        {"program of another Snap", u"x", u"Extra", 16, "Extra / Extra"},
         {"instance before class", u"crx_app", u"Google-chrome", 25, "chrome-app-Default / カレンダー"},
         {"class", u"x", u"Google-chrome", 25, "com.google.Chrome / グーグル"},
         {"profile folder in the instance", u"chromium (/tmp/p)", u"Chromium", 0,
@@ -98,14 +134,63 @@ TEST(ApplicationIdentity, FollowsTheSurestSignOfAWindow) {
         {"scope before unknown class", u"x", u"Other", 26, "org.gnome.Nautilus / ファイル"},
         {"instance alone", u"lonely", u"", 0, "lonely / lonely"},
         {"product without an entry", u"zoom", u"zoom", 999, "us.zoom.xos / zoom"},
-        {"nothing to go by", u"", u"", 25, "- / -"},
+        {"left behind in another's scope", u"x", u"Left", 27, "Left / Left"},
+        {"started by its service", u"x", u"Kitty.bin", 28, "kitty / 端末"},
+        {"left behind in another's service", u"x", u"Left", 29, "Left / Left"},
+        {"scope before a second entry of its program", u"x", u"N", 30, "org.example.Notes / メモ"},
+        {"script before unknown class", u"x", u"Paint.py", 31, "org.example.Paint / 絵"},
+        {"nothing to go by", u"", u"", 0, "- / -"},
     };
     for (const auto& row : rows) {
-        const auto [id, name] = identityOf({.wmInstance = row.instance.toString(),
-                                            .wmClass = row.wmClass.toString(),
-                                            .processId = row.processId},
-                                           entries, processes.root());
-        EXPECT_EQ(u"%1 / %2"_s.arg(id.value_or(u"-"_s), name.value_or(u"-"_s)).toStdString(), row.identity)
+        const WindowFacts window{.wmInstance = row.instance.toString(),
+                                 .wmClass = row.wmClass.toString(),
+                                 .processId = row.processId};
+        EXPECT_EQ(described(identityOf(window, entries, processes.root())), row.identity) << row.fact;
+    }
+}
+
+TEST(ApplicationIdentity, IsTheProgramForAWindowWithoutAClass) {
+    ProcessTree processes;
+    const struct {
+        const char* fact;
+        QString executable;
+        const char* command; // words parted by blanks
+        const char* identity;
+    } rows[] = {
+        {"entry", u"/usr/bin/evince"_s, "x", "org.gnome.Evince / 文書ビューアー"},
+        {"entry by the program's name", u"/usr/lib/chromium/chromium"_s, "x",
+         "org.chromium.Chromium / クロミウム"},
+        {"no entry", u"/usr/bin/xev"_s, "x", "xev / xev"},
+        {"product without an entry", u"/opt/zoom/zoom"_s, "x", "us.zoom.xos / zoom"},
+        {"one program of two entries", u"/usr/bin/notes"_s, "x", "notes / notes"},
+        {"terminal", u"/usr/bin/xterm"_s, "xterm -e mutt", "debian-xterm / 仮想端末"},
+        {"closed to us", QString(), "/usr/sbin/gparted --all", "gparted / gparted"},
+        {"script", u"/usr/bin/python3.11"_s, "python3 /opt/tool/main.py file.txt", "main.py / main.py"},
+        {"script with an entry", u"/usr/bin/python3.11"_s, "python3 /usr/bin/paint",
+         "org.example.Paint / 絵"},
+        {"module", u"/usr/bin/python3.11"_s, "python3 -X dev -m pygame.examples",
+         "pygame.examples / pygame.examples"},
+        {"package", u"/usr/bin/python3.11"_s, "python3 /opt/tool/__main__.py", "tool / tool"},
+        {"code in the command", u"/usr/bin/python3.11"_s, "python3 -c pass /etc/passwd", "python3 / python3"},
+        {"shell script", u"/usr/bin/dash"_s, "/bin/sh -e /usr/local/bin/ask now", "ask / ask"},
+        {"Java archive", u"/usr/lib/jvm/17/bin/java"_s, "java -Xmx1g -cp a:b -jar /opt/draw/Draw.jar x",
+         "Draw.jar / Draw.jar"},
+        {"Java class", u"/usr/lib/jvm/17/bin/java"_s, "java -cp /a:/b -Dk=v org.example.Main x",
+         "org.example.Main / org.example.Main"},
+        {"Electron", u"/usr/lib/electron/electron"_s, "electron --no-sandbox /usr/lib/notepad/app.asar",
+         "notepad / notepad"},
+        {"Windows program", u"/usr/bin/wine64-preloader"_s, "C:\\Games\\Solitaire.exe",
+         "Solitaire.exe / Solitaire.exe"},
+        {"interpreter alone", u"/usr/bin/python3.11"_s, "python3", "python3 / python3"},
+        {"ended", QString(), "", "- / -"},
+    };
+    int id = 100;
+    for (const auto& row : rows) {
+        processes.add(++id, "session-2.scope", row.executable);
+        if (*row.command != '\0') {
+            processes.setCommand(id, row.command);
+        }
+        EXPECT_EQ(described(identityOf({.processId = id}, entries, processes.root())), row.identity)
             << row.fact;
     }
 }
