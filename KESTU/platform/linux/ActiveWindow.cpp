@@ -59,6 +59,9 @@ ActiveWindowReader::ActiveWindowReader(const Xcb& xcb)
     , m_activeWindow(xcb.atom("_NET_ACTIVE_WINDOW"))
     , m_netWmName(xcb.atom("_NET_WM_NAME"))
     , m_netWmPid(xcb.atom("_NET_WM_PID"))
+    , m_gtkApplicationId(xcb.atom("_GTK_APPLICATION_ID"))
+    , m_windowType(xcb.atom("_NET_WM_WINDOW_TYPE"))
+    , m_desktopType(xcb.atom("_NET_WM_WINDOW_TYPE_DESKTOP"))
     , m_utf8String(xcb.atom("UTF8_STRING"))
     , m_compoundText(xcb.atom("COMPOUND_TEXT")) {}
 
@@ -70,6 +73,8 @@ ActiveWindow ActiveWindowReader::read(xcb_window_t window) const {
     const auto netName = m_xcb.requestProperty(window, m_netWmName);
     const auto name = m_xcb.requestProperty(window, XCB_ATOM_WM_NAME);
     const auto wmClass = m_xcb.requestProperty(window, XCB_ATOM_WM_CLASS);
+    const auto gtkId = m_xcb.requestProperty(window, m_gtkApplicationId);
+    const auto type = m_xcb.requestProperty(window, m_windowType);
     const auto pid = m_xcb.requestProperty(window, m_netWmPid);
     const auto machine = m_xcb.requestProperty(window, XCB_ATOM_WM_CLIENT_MACHINE);
     xcb_res_query_client_ids_cookie_t clientIds{};
@@ -86,6 +91,8 @@ ActiveWindow ActiveWindowReader::read(xcb_window_t window) const {
     const QList<QByteArray> classes = m_xcb.property(wmClass).bytes.split('\0');
     result.instance = QString::fromUtf8(classes.value(0));
     result.wmClass = QString::fromUtf8(classes.value(1));
+    result.gtkApplicationId = QString::fromUtf8(m_xcb.property(gtkId).bytes);
+    result.isDesktop = firstCard32(m_xcb.property(type)) == m_desktopType;
     const XProperty pidProperty = m_xcb.property(pid);
     const std::int64_t claimed = claimedProcessId(pidProperty, m_xcb.property(machine));
     const std::int64_t told = m_hasResources ? localClientPid(m_xcb, clientIds) : 0;

@@ -17,6 +17,8 @@ struct ActiveWindow {
     QString title;
     QString instance; // the two halves of WM_CLASS
     QString wmClass;
+    QString gtkApplicationId;
+    bool isDesktop = false;
     std::int64_t processId = 0; // 0 when unknown
 };
 
@@ -42,6 +44,9 @@ private:
     xcb_atom_t m_activeWindow;
     xcb_atom_t m_netWmName;
     xcb_atom_t m_netWmPid;
+    xcb_atom_t m_gtkApplicationId;
+    xcb_atom_t m_windowType;
+    xcb_atom_t m_desktopType;
     xcb_atom_t m_utf8String;
     xcb_atom_t m_compoundText;
 };
