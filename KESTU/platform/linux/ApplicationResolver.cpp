@@ -98,6 +98,15 @@ ApplicationIdentity desktopOf(const ApplicationIdentity& application) {
     return {.bundleId = id, .localizedName = QStringLiteral("デスクトップ")};
 }
 
+/// The form that the bus allows for a name; programs can set anything.
+bool isApplicationId(const QString& text) {
+    constexpr qsizetype longest = 255;
+    const auto isAllowed = [](QChar c) {
+        return (c < u'\x80' && c.isLetterOrNumber()) || c == u'.' || c == u'-' || c == u'_';
+    };
+    return text.size() <= longest && text.contains(u'.') && std::ranges::all_of(text, isAllowed);
+}
+
 ApplicationIdentity applicationOf(const WindowFacts& window, Entries entries, const QString& procRoot) {
     const RunningProgram program =
         window.processId > 0 ? runningProgram(procRoot, window.processId) : RunningProgram();
@@ -109,13 +118,14 @@ ApplicationIdentity applicationOf(const WindowFacts& window, Entries entries, co
         const auto* entry = entryWithId(entries, *id);
         return identity(*id, entry != nullptr ? entry->localizedName : ownName);
     }
-    const auto* entry = entryWithId(entries, window.gtkApplicationId);
+    const QString gtkId = isApplicationId(window.gtkApplicationId) ? window.gtkApplicationId : QString();
+    const auto* entry = entryWithId(entries, gtkId);
     entry = entry != nullptr ? entry : entryOfWindow(entries, window);
     entry = entry != nullptr ? entry : entryOfProgram(entries, program, window, procRoot);
     if (entry != nullptr) {
         return identity(entry->id, entry->localizedName);
     }
-    const QString& id = window.gtkApplicationId.isEmpty() ? ownName : window.gtkApplicationId;
+    const QString& id = gtkId.isEmpty() ? ownName : gtkId;
     return id.isEmpty() ? ApplicationIdentity{} : identity(id, ownName);
 }
 
@@ -137,11 +147,12 @@ ApplicationIds::ApplicationIds(EntrySource entries, QString procRoot)
     , m_known(rememberedWindows) {}
 
 ApplicationIdentity ApplicationIds::of(const WindowFacts& window) {
-    if (const ApplicationIdentity* known = m_known.object(window)) {
+    const Asked asked{window, startOf(m_procRoot, window.processId)};
+    if (const ApplicationIdentity* known = m_known.object(asked)) {
         return *known;
     }
     ApplicationIdentity found = identityOf(window, m_entries(), m_procRoot);
-    m_known.insert(window, std::make_unique<ApplicationIdentity>(found).release());
+    m_known.insert(asked, std::make_unique<ApplicationIdentity>(found).release());
     return found;
 }
 

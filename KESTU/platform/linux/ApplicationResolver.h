@@ -13,6 +13,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace kestu {
@@ -55,9 +56,11 @@ public:
     [[nodiscard]] ApplicationIdentity of(const WindowFacts& window);
 
 private:
+    using Asked = std::pair<WindowFacts, std::int64_t>; // with its process's start: ids are used again
+
     EntrySource m_entries;
     QString m_procRoot;
-    QCache<WindowFacts, ApplicationIdentity> m_known;
+    QCache<Asked, ApplicationIdentity> m_known;
 };
 
 } // namespace kestu

@@ -46,8 +46,11 @@ std::optional<FrontmostApplication> X11Desktop::frontmostApplication() {
     if (!m_front) {
         return std::nullopt;
     }
-    const ApplicationIdentity identity = m_ids.of(
-        {.wmInstance = m_front->instance, .wmClass = m_front->wmClass, .processId = m_front->processId});
+    const ApplicationIdentity identity = m_ids.of({.wmInstance = m_front->instance,
+                                                   .wmClass = m_front->wmClass,
+                                                   .gtkApplicationId = m_front->gtkApplicationId,
+                                                   .isDesktop = m_front->isDesktop,
+                                                   .processId = m_front->processId});
     return FrontmostApplication{.bundleId = identity.bundleId,
                                 .localizedName = identity.localizedName,
                                 .processId = m_front->processId};

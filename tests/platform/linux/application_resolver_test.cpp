@@ -22,11 +22,12 @@ class ProcessTree {
 public:
     [[nodiscard]] QString root() const { return m_folder.path(); }
 
-    void add(int id, const QByteArray& unit, const QString& executable, int parent = 1) {
+    void add(int id, const QByteArray& unit, const QString& executable, int parent = 1, int start = 4000) {
         const QString folder = u"%1/%2/"_s.arg(root()).arg(id);
         putFile(folder + u"cgroup"_s, "0::/user.slice/user@1000.service/app.slice/" + unit + '\n');
-        putFile(folder + u"stat"_s,
-                QByteArray::number(id) + " (a) b (c) S " + QByteArray::number(parent) + " 7 7 0");
+        putFile(folder + u"stat"_s, QByteArray::number(id) + " (a) b (c) S " + QByteArray::number(parent) +
+                                        " 7 7 0 -1 0 1 2 3 4 5 6 7 8 20 0 1 0 " + QByteArray::number(start) +
+                                        " 9 9\n");
         if (!executable.isEmpty()) {
             QFile::link(executable, folder + u"exe"_s);
         }
@@ -195,6 +196,30 @@ TEST(ApplicationIdentity, IsTheProgramForAWindowWithoutAClass) {
     }
 }
 
+TEST(ApplicationIdentity, HearsTheToolkitsNameAndPartsADesktopFromItsFileManager) {
+    const std::pair<WindowFacts, const char*> rows[] = {
+        {{.wmInstance = u"notes"_s, .wmClass = u"Notes"_s, .gtkApplicationId = u"org.example.Notes"_s},
+         "org.example.Notes / メモ"},
+        {{.wmClass = u"Gimp"_s, .gtkApplicationId = u"org.example.Paint"_s}, "org.example.Paint / 絵"},
+        {{.wmClass = u"Gimp"_s, .gtkApplicationId = u"org.example.None"_s}, "gimp / 画像編集"},
+        {{.wmClass = u"Main.py"_s, .gtkApplicationId = u"org.example.None"_s}, "org.example.None / Main.py"},
+        {{.gtkApplicationId = u"org.example.None"_s}, "org.example.None / org.example.None"},
+        {{.wmClass = u"Own"_s, .gtkApplicationId = u"no id at all"_s}, "Own / Own"},
+        {{.wmClass = u"Own"_s, .gtkApplicationId = u"org."_s + QString(300, u'x')}, "Own / Own"},
+        {{.wmInstance = u"xfdesktop"_s, .wmClass = u"Xfdesktop"_s}, "Xfdesktop / デスクトップ"},
+        {{.wmClass = u"Xfdesktop"_s, .gtkApplicationId = u"org.xfce.xfdesktop"_s, .isDesktop = true},
+         "Xfdesktop / デスクトップ"},
+        {{.wmClass = u"Xfce4-panel"_s}, "Xfce4-panel / パネル"},
+        {{.wmInstance = u"desktop_window"_s, .wmClass = u"org.gnome.Nautilus"_s, .isDesktop = true},
+         "org.gnome.Nautilus-desktop / デスクトップ"},
+        {{.wmClass = u"org.gnome.Nautilus"_s}, "org.gnome.Nautilus / ファイル"},
+        {{.isDesktop = true}, "desktop / デスクトップ"},
+    };
+    for (const auto& [window, identity] : rows) {
+        EXPECT_EQ(described(identityOf(window, entries, u"/nonexistent"_s)), identity);
+    }
+}
+
 TEST(ProductTable, GivesOneIdHoweverAProductWasInstalled) {
     const std::pair<QString, QString> rows[] = {
         {u"com.google.Chrome"_s, u"google-chrome Google-chrome com.google.Chrome"_s},
@@ -238,6 +263,16 @@ TEST(ApplicationIds, ReadTheEntriesOnceForAWindowAndAnewForEachNewOne) {
     EXPECT_EQ(ids.of({.wmInstance = {}, .wmClass = u"Late"_s, .processId = 1}).localizedName,
               u"新しい道具"_s);
     EXPECT_EQ(reads, 2);
+}
+
+TEST(ApplicationIds, TellTwoProcessesOfOneIdApart) {
+    ProcessTree processes;
+    processes.add(7, "session-2.scope", u"/usr/bin/first"_s);
+    ApplicationIds ids([] { return entries; }, processes.root());
+    EXPECT_EQ(ids.of({.processId = 7}).bundleId, u"first"_s);
+    QDir(processes.root() + u"/7"_s).removeRecursively();
+    processes.add(7, "session-2.scope", u"/usr/bin/second"_s, 1, 5000);
+    EXPECT_EQ(ids.of({.processId = 7}).bundleId, u"second"_s);
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 #include "support/Desk.h"
 #include "support/PrivateBus.h"
 
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -136,6 +138,42 @@ TEST_F(X11DesktopTest, ReadsEveryKindOfTitle) {
         EXPECT_TRUE(titleBecomes(row.title))
             << row.property << ' ' << row.type << ' ' << row.bytes.left(20).toStdString();
     }
+}
+
+TEST_F(X11DesktopTest, KnowsAProgramByItsFileByItsToolkitAndAsDesktop) {
+    test::installDesktopEntry(u"org.example.Toolkit"_s, u"Name=Toolkit\nExec=true\n"_s);
+    const TestWindow window(*m_programs, "", "own");
+    ASSERT_TRUE(comesToFront(window, u"own"_s));
+    const QString file = QFileInfo(u"/proc/self/exe"_s).canonicalFilePath();
+    EXPECT_EQ(m_desktop.frontmostApplication()->bundleId, QFileInfo(file).fileName()) << "no class";
+
+    const auto becomes = [this](const QString& id, const QString& name) {
+        return waitUntil([&] {
+            const auto front = m_desktop.frontmostApplication();
+            return front && front->bundleId == id && front->localizedName == name;
+        });
+    };
+    window.set("_GTK_APPLICATION_ID", "UTF8_STRING", "org.example.Toolkit");
+    EXPECT_TRUE(becomes(u"org.example.Toolkit"_s, u"Toolkit"_s));
+    const xcb_atom_t desktop = m_programs->atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+    window.set("_NET_WM_WINDOW_TYPE", "ATOM",
+               QByteArray(reinterpret_cast<const char*>(&desktop), sizeof desktop), 32);
+    EXPECT_TRUE(becomes(u"org.example.Toolkit-desktop"_s, u"デスクトップ"_s));
+}
+
+TEST_F(X11DesktopTest, KnowsARealProgramThatLosesItsClass) {
+    const test::Terminal terminal(u"plain"_s, u"plain"_s);
+    terminal.activate();
+    ASSERT_TRUE(waitUntil([&] {
+        const auto front = m_desktop.frontmostApplication();
+        return front && front->bundleId == u"plain"_s;
+    }));
+    const auto idWithoutClass = [&] {
+        const QString window = test::outputOf(u"xdotool"_s, {u"getactivewindow"_s}).trimmed();
+        test::outputOf(u"xprop"_s, {u"-id"_s, window, u"-remove"_s, u"WM_CLASS"_s});
+        return m_desktop.frontmostApplication()->bundleId;
+    };
+    EXPECT_EQ(idWithoutClass(), u"debian-xterm"_s);
 }
 
 TEST_F(X11DesktopTest, SaysAtOnceAndOnceThatAnotherWindowCameToTheFront) {
