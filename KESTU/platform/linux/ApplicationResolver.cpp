@@ -53,10 +53,20 @@ const DesktopEntry* entryOfWindow(Entries entries, const WindowFacts& window) {
     return nullptr;
 }
 
+/// Absent for two as well: neither is surely the one.
+const DesktopEntry* onlyEntryWhere(Entries entries, const std::function<bool(const DesktopEntry&)>& matches) {
+    return std::ranges::count_if(entries, matches) == 1 ? entryWhere(entries, matches) : nullptr;
+}
+
 const DesktopEntry* entryOfFile(Entries entries, const QString& file) {
-    const auto startsIt = [&](const DesktopEntry& entry) { return entry.executable == file; };
-    return !file.isEmpty() && std::ranges::count_if(entries, startsIt) == 1 ? entryWhere(entries, startsIt)
-                                                                            : nullptr;
+    return onlyEntryWhere(
+        entries, [&](const DesktopEntry& entry) { return !file.isEmpty() && entry.executable == file; });
+}
+
+const DesktopEntry* entryOfFileName(Entries entries, const QString& name) {
+    return onlyEntryWhere(entries, [&](const DesktopEntry& entry) {
+        return !runsOtherPrograms(name) && entry.executable.endsWith(u'/' + name, Qt::CaseInsensitive);
+    });
 }
 
 /// The scope tells two entries of one program apart.
@@ -139,6 +149,18 @@ size_t qHash(const WindowFacts& window, size_t seed) noexcept {
 ApplicationIdentity identityOf(const WindowFacts& window, Entries entries, const QString& procRoot) {
     const ApplicationIdentity application = applicationOf(window, entries, procRoot);
     return window.isDesktop ? desktopOf(application) : application;
+}
+
+QString applicationIdNamed(const QString& name, Entries entries) {
+    const auto suffix = QStringLiteral(".desktop");
+    const QString bare = name.endsWith(suffix, Qt::CaseInsensitive) ? name.chopped(suffix.size()) : name;
+    const auto* entry = entryOfFile(entries, bare);
+    if (entry == nullptr && !bare.isEmpty() && !bare.contains(u'/')) {
+        entry = entryOfWindow(entries, {.wmClass = bare});
+        entry = entry != nullptr ? entry : entryOfFileName(entries, bare);
+    }
+    const QString id = entry != nullptr ? entry->id : bare;
+    return productId(id).value_or(id);
 }
 
 ApplicationIds::ApplicationIds(EntrySource entries, QString procRoot)

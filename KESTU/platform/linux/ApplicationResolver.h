@@ -43,6 +43,10 @@ struct ApplicationIdentity {
 [[nodiscard]] ApplicationIdentity identityOf(const WindowFacts& window, std::span<const DesktopEntry> entries,
                                              const QString& procRoot);
 
+/// The bundle id of the application that calls itself `name` on a bus: by a desktop entry's id, a window
+/// class, a program's path or file name. That name itself where no entry and no product has it.
+[[nodiscard]] QString applicationIdNamed(const QString& name, std::span<const DesktopEntry> entries);
+
 /// The answers of identityOf, remembered. Owned by the workspace, which asks at every tick.
 class ApplicationIds final {
 public:
