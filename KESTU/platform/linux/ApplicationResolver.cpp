@@ -6,6 +6,8 @@
 #include "platform/linux/ProductTable.h"
 #include "platform/linux/RunningProgram.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <memory>
 
@@ -53,26 +55,41 @@ const DesktopEntry* entryOfWindow(Entries entries, const WindowFacts& window) {
     return nullptr;
 }
 
-/// Absent for two as well: neither is surely the one.
-const DesktopEntry* onlyEntryWhere(Entries entries, const std::function<bool(const DesktopEntry&)>& matches) {
-    return std::ranges::count_if(entries, matches) == 1 ? entryWhere(entries, matches) : nullptr;
+/// Of several entries of one program the one with the given name is meant, the others are its settings and
+/// the like. Absent when that leaves none or two: neither is surely the one.
+const DesktopEntry* oneEntryWhere(Entries entries, const std::function<bool(const DesktopEntry&)>& matches,
+                                  const QStringList& names) {
+    const auto isNamed = [&](const DesktopEntry& entry) {
+        return names.contains(entry.id.sliced(entry.id.lastIndexOf(u'.') + 1), Qt::CaseInsensitive);
+    };
+    const auto isNamedMatch = [&](const DesktopEntry& entry) { return matches(entry) && isNamed(entry); };
+    if (std::ranges::count_if(entries, matches) == 1) {
+        return entryWhere(entries, matches);
+    }
+    return std::ranges::count_if(entries, isNamedMatch) == 1 ? entryWhere(entries, isNamedMatch) : nullptr;
 }
 
-const DesktopEntry* entryOfFile(Entries entries, const QString& file) {
-    return onlyEntryWhere(
-        entries, [&](const DesktopEntry& entry) { return !file.isEmpty() && entry.executable == file; });
+const DesktopEntry* entryOfFile(Entries entries, const QString& file, const QStringList& names) {
+    return oneEntryWhere(
+        entries, [&](const DesktopEntry& entry) { return !file.isEmpty() && entry.executable == file; },
+        names);
 }
 
 const DesktopEntry* entryOfFileName(Entries entries, const QString& name) {
-    return onlyEntryWhere(entries, [&](const DesktopEntry& entry) {
+    const auto startsIt = [&](const DesktopEntry& entry) {
         return !runsOtherPrograms(name) && entry.executable.endsWith(u'/' + name, Qt::CaseInsensitive);
-    });
+    };
+    return oneEntryWhere(entries, startsIt, {name});
 }
 
-/// The scope tells two entries of one program apart.
+/// The scope tells two entries of one program apart that have other names.
 const DesktopEntry* entryOfScope(Entries entries, const QString& file, const QString& scope) {
     const auto* entry = entryWithId(entries, scope);
     return entry != nullptr && !file.isEmpty() && entry->executable == file ? entry : nullptr;
+}
+
+bool hasClass(const WindowFacts& window) {
+    return !window.wmClass.isEmpty() || !window.wmInstance.isEmpty();
 }
 
 /// For a window that names its class, a program that runs others says nothing; without a class it is all
@@ -82,16 +99,19 @@ const DesktopEntry* entryOfProgram(Entries entries, const RunningProgram& progra
     if (window.processId <= 0) {
         return nullptr;
     }
-    const bool hasClass = !window.wmClass.isEmpty() || !window.wmInstance.isEmpty();
     const DesktopEntry* entry = nullptr;
-    if (!hasClass || !runsOtherPrograms(program.file)) {
+    if (!hasClass(window) || !runsOtherPrograms(program.file)) {
+        const QStringList names =
+            hasClass(window) ? QStringList{window.wmClass, window.wmInstance} : QStringList{program.name};
+        entry = entryOfFile(entries, program.file, names);
+    }
+    if (entry == nullptr) {
         entry = entryOfScope(entries, program.file, scopeId(procRoot, window.processId).value_or(QString()));
-        entry = entry != nullptr ? entry : entryOfFile(entries, program.file);
     }
     if (entry == nullptr) {
         entry = entryWithId(entries, launchedId(procRoot, window.processId).value_or(QString()));
     }
-    return entry != nullptr || hasClass ? entry : entryOfWindow(entries, {.wmClass = program.name});
+    return entry != nullptr || hasClass(window) ? entry : entryOfWindow(entries, {.wmClass = program.name});
 }
 
 ApplicationIdentity identity(const QString& id, const QString& name) {
@@ -135,8 +155,9 @@ ApplicationIdentity applicationOf(const WindowFacts& window, Entries entries, co
     if (entry != nullptr) {
         return identity(entry->id, entry->localizedName);
     }
-    const QString& id = gtkId.isEmpty() ? ownName : gtkId;
-    return id.isEmpty() ? ApplicationIdentity{} : identity(id, ownName);
+    // Not the toolkit's id before the class: dialogs of the same program do not have it.
+    const QString& id = hasClass(window) || gtkId.isEmpty() ? ownName : gtkId;
+    return id.isEmpty() ? ApplicationIdentity{} : identity(id, hasClass(window) ? ownName : id);
 }
 
 } // namespace
@@ -154,7 +175,7 @@ ApplicationIdentity identityOf(const WindowFacts& window, Entries entries, const
 QString applicationIdNamed(const QString& name, Entries entries) {
     const auto suffix = QStringLiteral(".desktop");
     const QString bare = name.endsWith(suffix, Qt::CaseInsensitive) ? name.chopped(suffix.size()) : name;
-    const auto* entry = entryOfFile(entries, bare);
+    const auto* entry = entryOfFile(entries, bare, {QFileInfo(bare).fileName()});
     if (entry == nullptr && !bare.isEmpty() && !bare.contains(u'/')) {
         entry = entryOfWindow(entries, {.wmClass = bare});
         entry = entry != nullptr ? entry : entryOfFileName(entries, bare);

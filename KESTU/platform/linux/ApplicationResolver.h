@@ -37,9 +37,9 @@ struct ApplicationIdentity {
 };
 
 /// Sandbox id; then the entry that the window's GTK application id, its class, its program or its launch
-/// scope names; then the first of the first three itself. Products of the product table get their one id, and
-/// a file manager's desktop has an id beside the file manager's. Absent only for a window without any of
-/// these. `procRoot` is "/proc", or a test's tree.
+/// scope names; then its class, GTK application id or program itself. Products of the product table get their
+/// one id, and a file manager's desktop has an id beside the file manager's. Absent only for a window without
+/// any of these. `procRoot` is "/proc", or a test's tree.
 [[nodiscard]] ApplicationIdentity identityOf(const WindowFacts& window, std::span<const DesktopEntry> entries,
                                              const QString& procRoot);
 

@@ -72,6 +72,8 @@ const std::vector<DesktopEntry> entries{
     entry(u"debian-xterm", u"仮想端末", u"XTerm", u"/usr/bin/xterm"),
     entry(u"org.example.Notes", u"メモ", u"", u"/usr/bin/notes"),
     entry(u"org.example.Notes-settings", u"メモの設定", u"", u"/usr/bin/notes"),
+    entry(u"org.example.First", u"一", u"", u"/usr/bin/twin"),
+    entry(u"org.example.Second", u"二", u"", u"/usr/bin/twin"),
     entry(u"org.example.Paint", u"絵", u"", u"/usr/bin/paint"),
     entry(u"exact", u"大小", u"CaseMatters"),
     entry(u"folded", u"小文字", u"casematters"),
@@ -101,7 +103,8 @@ TEST(ApplicationIdentity, FollowsTheSurestSignOfAWindow) {
     processes.put(28, "environ", "A=b\0SYSTEMD_EXEC_PID=28\0"_ba);
     processes.add(29, "app-kitty@1f.service", u"/opt/child"_s);
     processes.put(29, "environ", "A=b\0SYSTEMD_EXEC_PID=28\0"_ba);
-    processes.add(30, "app-org.example.Notes-30.scope", u"/usr/bin/notes"_s);
+    processes.add(30, "app-org.example.First-30.scope", u"/usr/bin/twin"_s);
+    processes.add(32, "session-2.scope", u"/usr/bin/notes"_s);
     processes.add(31, "session-2.scope", u"/usr/bin/python3.11"_s);
     processes.setCommand(31, "/usr/bin/python3 -W ignore -u /usr/bin/paint --new");
 
@@ -138,7 +141,8 @@ TEST(ApplicationIdentity, FollowsTheSurestSignOfAWindow) {
         {"left behind in another's scope", u"x", u"Left", 27, "Left / Left"},
         {"started by its service", u"x", u"Kitty.bin", 28, "kitty / 端末"},
         {"left behind in another's service", u"x", u"Left", 29, "Left / Left"},
-        {"scope before a second entry of its program", u"x", u"N", 30, "org.example.Notes / メモ"},
+        {"dialog of a program of two entries", u"notes", u"Notes", 32, "org.example.Notes / メモ"},
+        {"scope of one of two equal entries", u"x", u"X", 30, "org.example.First / 一"},
         {"script before unknown class", u"x", u"Paint.py", 31, "org.example.Paint / 絵"},
         {"nothing to go by", u"", u"", 0, "- / -"},
     };
@@ -163,7 +167,8 @@ TEST(ApplicationIdentity, IsTheProgramForAWindowWithoutAClass) {
          "org.chromium.Chromium / クロミウム"},
         {"no entry", u"/usr/bin/xev"_s, "x", "xev / xev"},
         {"product without an entry", u"/opt/zoom/zoom"_s, "x", "us.zoom.xos / zoom"},
-        {"one program of two entries", u"/usr/bin/notes"_s, "x", "notes / notes"},
+        {"one program of two entries", u"/usr/bin/notes"_s, "x", "org.example.Notes / メモ"},
+        {"one program of two equal entries", u"/usr/bin/twin"_s, "x", "twin / twin"},
         {"terminal", u"/usr/bin/xterm"_s, "xterm -e mutt", "debian-xterm / 仮想端末"},
         {"closed to us", QString(), "/usr/sbin/gparted --all", "gparted / gparted"},
         {"script", u"/usr/bin/python3.11"_s, "python3 /opt/tool/main.py file.txt", "main.py / main.py"},
@@ -202,7 +207,7 @@ TEST(ApplicationIdentity, HearsTheToolkitsNameAndPartsADesktopFromItsFileManager
          "org.example.Notes / メモ"},
         {{.wmClass = u"Gimp"_s, .gtkApplicationId = u"org.example.Paint"_s}, "org.example.Paint / 絵"},
         {{.wmClass = u"Gimp"_s, .gtkApplicationId = u"org.example.None"_s}, "gimp / 画像編集"},
-        {{.wmClass = u"Main.py"_s, .gtkApplicationId = u"org.example.None"_s}, "org.example.None / Main.py"},
+        {{.wmClass = u"Main.py"_s, .gtkApplicationId = u"org.example.None"_s}, "Main.py / Main.py"},
         {{.gtkApplicationId = u"org.example.None"_s}, "org.example.None / org.example.None"},
         {{.wmClass = u"Own"_s, .gtkApplicationId = u"no id at all"_s}, "Own / Own"},
         {{.wmClass = u"Own"_s, .gtkApplicationId = u"org."_s + QString(300, u'x')}, "Own / Own"},
