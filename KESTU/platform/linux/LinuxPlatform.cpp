@@ -90,6 +90,8 @@ private:
         auto desktop = std::make_unique<X11Desktop>(*m_forEvents, [this] { return m_systemEvents.isHeld(); });
         QObject::connect(desktop.get(), &X11Desktop::activeWindowChanged, &m_systemEvents,
                          &LinuxSystemEvents::noteActivation);
+        QObject::connect(desktop.get(), &X11Desktop::titleChanged, &m_systemEvents,
+                         &LinuxSystemEvents::noteTitle);
         return desktop;
     }
 

@@ -54,15 +54,20 @@ xcb_get_property_cookie_t Xcb::requestProperty(xcb_window_t window, xcb_atom_t p
     return xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, longestProperty);
 }
 
-XProperty Xcb::property(xcb_get_property_cookie_t cookie) const {
+std::optional<XProperty> Xcb::property(xcb_get_property_cookie_t cookie) const {
     xcb_generic_error_t* error = nullptr;
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, &error));
     std::free(error);
     if (!reply) {
-        return {};
+        return std::nullopt;
     }
     const auto* bytes = static_cast<const char*>(xcb_get_property_value(reply.get()));
-    return {.type = reply->type, .bytes = QByteArray(bytes, xcb_get_property_value_length(reply.get()))};
+    return XProperty{.type = reply->type,
+                     .bytes = QByteArray(bytes, xcb_get_property_value_length(reply.get()))};
+}
+
+void Xcb::select(xcb_window_t window, std::uint32_t events) const {
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &events);
 }
 
 } // namespace kestu
