@@ -33,8 +33,11 @@ void Terminal::activate() const {
 }
 
 void Terminal::setTitle(const QString& title) const {
-    outputOf(u"xprop"_s, {u"-id"_s, m_windowId, u"-f"_s, u"_NET_WM_NAME"_s, u"8u"_s, u"-set"_s,
-                          u"_NET_WM_NAME"_s, title});
+    setProperty(u"_NET_WM_NAME"_s, u"8u"_s, title);
+}
+
+void Terminal::setProperty(const QString& name, const QString& format, const QString& value) const {
+    outputOf(u"xprop"_s, {u"-id"_s, m_windowId, u"-f"_s, name, format, u"-set"_s, name, value});
 }
 
 void moveMouse(int x, int y) {

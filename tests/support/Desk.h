@@ -19,6 +19,9 @@ public:
 
     void setTitle(const QString& title) const;
 
+    /// `format` is xprop's: the bits of an item and its kind, "8s" for a text.
+    void setProperty(const QString& name, const QString& format, const QString& value) const;
+
 private:
     Program m_program;
     QString m_windowId;

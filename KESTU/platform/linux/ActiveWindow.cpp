@@ -59,6 +59,7 @@ ActiveWindowReader::ActiveWindowReader(const Xcb& xcb)
     , m_activeWindow(xcb.atom("_NET_ACTIVE_WINDOW"))
     , m_netWmName(xcb.atom("_NET_WM_NAME"))
     , m_netWmPid(xcb.atom("_NET_WM_PID"))
+    , m_windowRole(xcb.atom("WM_WINDOW_ROLE"))
     , m_utf8String(xcb.atom("UTF8_STRING"))
     , m_compoundText(xcb.atom("COMPOUND_TEXT")) {}
 
@@ -71,6 +72,7 @@ std::optional<ActiveWindow> ActiveWindowReader::read(xcb_window_t window) const 
     const auto netName = m_xcb.requestProperty(window, m_netWmName);
     const auto name = m_xcb.requestProperty(window, XCB_ATOM_WM_NAME);
     const auto wmClass = m_xcb.requestProperty(window, XCB_ATOM_WM_CLASS);
+    const auto role = m_xcb.requestProperty(window, m_windowRole);
     const auto pid = m_xcb.requestProperty(window, m_netWmPid);
     const auto machine = m_xcb.requestProperty(window, XCB_ATOM_WM_CLIENT_MACHINE);
     xcb_res_query_client_ids_cookie_t clientIds{};
@@ -83,10 +85,12 @@ std::optional<ActiveWindow> ActiveWindowReader::read(xcb_window_t window) const 
     const auto netNameProperty = m_xcb.property(netName);
     const auto nameProperty = m_xcb.property(name);
     const auto classProperty = m_xcb.property(wmClass);
+    const auto roleProperty = m_xcb.property(role);
     const auto pidProperty = m_xcb.property(pid);
     const auto machineProperty = m_xcb.property(machine);
     const std::int64_t told = m_hasResources ? localClientPid(m_xcb, clientIds) : 0;
-    if (!netNameProperty || !nameProperty || !classProperty || !pidProperty || !machineProperty) {
+    if (!netNameProperty || !nameProperty || !classProperty || !roleProperty || !pidProperty ||
+        !machineProperty) {
         return std::nullopt;
     }
     const QList<QByteArray> classes = classProperty->bytes.split('\0');
@@ -95,6 +99,7 @@ std::optional<ActiveWindow> ActiveWindowReader::read(xcb_window_t window) const 
                         .title = titleIn(*netNameProperty, *nameProperty),
                         .instance = QString::fromUtf8(classes.value(0)),
                         .wmClass = QString::fromUtf8(classes.value(1)),
+                        .role = QString::fromLatin1(roleProperty->bytes),
                         .processId = told != 0 ? told : claimedProcessId(*pidProperty, *machineProperty)};
 }
 

@@ -17,6 +17,7 @@ struct ActiveWindow {
     QString title;
     QString instance; // the two halves of WM_CLASS
     QString wmClass;
+    QString role;
     std::int64_t processId = 0; // 0 when unknown
 };
 
@@ -49,6 +50,7 @@ private:
     xcb_atom_t m_activeWindow;
     xcb_atom_t m_netWmName;
     xcb_atom_t m_netWmPid;
+    xcb_atom_t m_windowRole;
     xcb_atom_t m_utf8String;
     xcb_atom_t m_compoundText;
 };

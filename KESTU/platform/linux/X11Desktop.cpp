@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/X11Desktop.h"
 
+#include "base/WindowRole.h"
+
+#include <QCoreApplication>
+
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -61,7 +65,9 @@ std::optional<FrontmostApplication> X11Desktop::frontmostApplication() {
                                 .localizedName = identity.localizedName,
                                 .processId = m_front->processId,
                                 .inFrontFor = age(m_since),
-                                .titledFor = age(m_titledSince)};
+                                .titledFor = age(m_titledSince),
+                                .isOwnPanel = m_front->role == statusItemRole &&
+                                              m_front->processId == QCoreApplication::applicationPid()};
 }
 
 QString X11Desktop::focusedWindowTitle(std::int64_t processId) {

@@ -289,6 +289,19 @@ TEST_F(X11DesktopTest, TakesAVanishedWindowForNothing) {
     EXPECT_EQ(m_desktop.frontmostApplication()->processId, ::getpid());
 }
 
+TEST_F(X11DesktopTest, KnowsNoOtherProgramsWindowForItsOwnPanel) {
+    const TestWindow own(*m_programs, QByteArray("a\0A\0", 4), "own");
+    const test::Terminal other(u"Other"_s, u"other"_s);
+    const QString role = u"kestu-status-item"_s;
+    own.set("WM_WINDOW_ROLE", "STRING", role.toLatin1());
+    other.setProperty(u"WM_WINDOW_ROLE"_s, u"8s"_s, role);
+    ASSERT_TRUE(comesToFront(own, u"own"_s));
+    EXPECT_TRUE(m_desktop.frontmostApplication()->isOwnPanel);
+    other.activate();
+    ASSERT_TRUE(titleBecomes(u"other"_s));
+    EXPECT_FALSE(m_desktop.frontmostApplication()->isOwnPanel);
+}
+
 TEST_F(X11DesktopTest, CountsTheSecondsSinceTheLastInput) {
     X11Input input(*m_ours);
     int x = 0;
