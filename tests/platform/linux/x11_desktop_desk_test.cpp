@@ -4,7 +4,6 @@
 #include "platform/Accessibility.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/X11Desktop.h"
-#include "platform/linux/X11Input.h"
 
 #include "support/Desk.h"
 #include "support/PrivateBus.h"
@@ -300,18 +299,6 @@ TEST_F(X11DesktopTest, KnowsNoOtherProgramsWindowForItsOwnPanel) {
     other.activate();
     ASSERT_TRUE(titleBecomes(u"other"_s));
     EXPECT_FALSE(m_desktop.frontmostApplication()->isOwnPanel);
-}
-
-TEST_F(X11DesktopTest, CountsTheSecondsSinceTheLastInput) {
-    X11Input input(*m_ours);
-    int x = 0;
-    EXPECT_TRUE(waitUntil([&] {
-        test::moveMouse(++x, 40);
-        return input.secondsSinceLastInput().count() < 0.3;
-    }));
-    waitUntil([] { return false; }, 700);
-    EXPECT_GE(input.secondsSinceLastInput().count(), 0.65);
-    EXPECT_LT(input.secondsSinceLastInput().count(), 5);
 }
 
 TEST(LinuxPlatformTest, GrantsTheTitlesOnX11Only) {
