@@ -14,6 +14,11 @@ class Terminal final {
 public:
     Terminal(const QString& wmClass, const QString& title);
 
+    void moveTo(int x, int y) const;
+
+    /// Moves the mouse into the window.
+    void pointAt() const;
+
     /// Brings the window to the front and waits until it is there.
     void activate() const;
 

@@ -56,17 +56,11 @@ ActiveWindowReader::ActiveWindowReader(const Xcb& xcb)
     : m_xcb(xcb)
     , m_hasResources(canNameProcesses(xcb))
     , m_hostName(QSysInfo::machineHostName().toUtf8())
-    , m_activeWindow(xcb.atom("_NET_ACTIVE_WINDOW"))
     , m_netWmName(xcb.atom("_NET_WM_NAME"))
     , m_netWmPid(xcb.atom("_NET_WM_PID"))
     , m_windowRole(xcb.atom("WM_WINDOW_ROLE"))
     , m_utf8String(xcb.atom("UTF8_STRING"))
     , m_compoundText(xcb.atom("COMPOUND_TEXT")) {}
-
-xcb_window_t ActiveWindowReader::activeWindowId() const {
-    const auto window = m_xcb.property(m_xcb.requestProperty(m_xcb.root(), m_activeWindow));
-    return window ? firstCard32(*window) : xcb_window_t{XCB_NONE};
-}
 
 std::optional<ActiveWindow> ActiveWindowReader::read(xcb_window_t window) const {
     const auto netName = m_xcb.requestProperty(window, m_netWmName);

@@ -25,9 +25,6 @@ class ActiveWindowReader final {
 public:
     explicit ActiveWindowReader(const Xcb& xcb);
 
-    /// The id of the active window; XCB_NONE when there is none.
-    [[nodiscard]] xcb_window_t activeWindowId() const;
-
     /// All of `window` in one round trip to the server, which answers even when the program hangs. Absent
     /// when the window has vanished.
     [[nodiscard]] std::optional<ActiveWindow> read(xcb_window_t window) const;
@@ -35,7 +32,6 @@ public:
     /// The title alone. Absent when the window has vanished.
     [[nodiscard]] std::optional<QString> title(xcb_window_t window) const;
 
-    [[nodiscard]] xcb_atom_t activeWindowAtom() const { return m_activeWindow; }
     [[nodiscard]] bool isTitle(xcb_atom_t property) const {
         return property == m_netWmName || property == XCB_ATOM_WM_NAME;
     }
@@ -47,7 +43,6 @@ private:
     const Xcb& m_xcb;
     bool m_hasResources;
     QByteArray m_hostName;
-    xcb_atom_t m_activeWindow;
     xcb_atom_t m_netWmName;
     xcb_atom_t m_netWmPid;
     xcb_atom_t m_windowRole;

@@ -33,11 +33,11 @@ bool isAlive(std::int64_t processId) {
 
 X11Desktop::X11Desktop(const Xcb& xcb, std::function<bool()> isHeld)
     : m_xcb(xcb)
+    , m_frontWindow(xcb)
     , m_reader(xcb)
     , m_isHeld(std::move(isHeld))
     , m_notifier(xcb_get_file_descriptor(xcb.connection()), QSocketNotifier::Read) {
-    xcb.select(xcb.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
-    follow(m_reader.activeWindowId(), std::nullopt);
+    follow(m_frontWindow.id(), std::nullopt);
     m_announced = m_window;
     m_nothingActive.setSingleShot(true);
     m_nothingActive.setTimerType(Qt::PreciseTimer);
@@ -74,6 +74,19 @@ QString X11Desktop::focusedWindowTitle(std::int64_t processId) {
     return m_front && m_front->processId == processId ? m_front->title : QString();
 }
 
+QString X11Desktop::whyUnseen() {
+    if (m_xcb.isBroken()) {
+        return QStringLiteral("X サーバーとの接続が切れました。KESTU を起動し直してください。");
+    }
+    if (!m_frontWindow.canTell()) {
+        settle();
+    }
+    return m_frontWindow.canTell()
+               ? QString()
+               : QStringLiteral("ウインドウマネージャーが手前のウインドウを知らせていません。"
+                                "ほかのウインドウマネージャーをお使いください。");
+}
+
 void X11Desktop::readEvents() {
     if (m_xcb.isBroken()) {
         m_notifier.setEnabled(false);
@@ -90,14 +103,14 @@ void X11Desktop::takeEvents() {
 }
 
 void X11Desktop::take(const xcb_generic_event_t& event) {
-    if ((event.response_type & ~0x80U) != XCB_PROPERTY_NOTIFY) {
+    if (const auto switchedAt = m_frontWindow.newsIn(event)) {
+        m_switchedAt = switchedAt;
+        tellLater();
         return;
     }
     const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-    if (change.window == m_xcb.root() && change.atom == m_reader.activeWindowAtom()) {
-        m_switchedAt = momentOf(change.time);
-        tellLater();
-    } else if (change.window == m_window && m_reader.isTitle(change.atom)) {
+    if ((event.response_type & ~0x80U) == XCB_PROPERTY_NOTIFY && change.window == m_window &&
+        m_reader.isTitle(change.atom)) {
         m_titleEvent = momentOf(change.time);
         m_hasTitleEvent = true;
         tellLater();
@@ -108,7 +121,7 @@ void X11Desktop::settle() {
     std::optional<Moment> switchedAt;
     xcb_window_t window = XCB_NONE;
     for (int look = 0; look < mostLooks; ++look) {
-        window = m_reader.activeWindowId();
+        window = m_frontWindow.id();
         takeEvents(); // the one that told of this window may be among them
         if (!m_switchedAt) {
             break;
@@ -119,6 +132,7 @@ void X11Desktop::settle() {
         follow(window, switchedAt.value_or(Moment::clock::now()));
         tellLater();
     }
+    select(); // the window manager may have gone, and the events to ask for are others then
 }
 
 void X11Desktop::readFront() {
@@ -135,18 +149,23 @@ void X11Desktop::readFront() {
     }
 }
 
+void X11Desktop::select() {
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | m_frontWindow.eventsOfFront();
+    if (m_window != XCB_NONE && std::exchange(m_selected, events) != events) {
+        m_xcb.select(m_window, events);
+    }
+    xcb_flush(m_xcb.connection());
+}
+
 void X11Desktop::follow(xcb_window_t window, std::optional<Moment> since) {
     if (m_window != XCB_NONE) {
         m_xcb.select(m_window, XCB_EVENT_MASK_NO_EVENT);
     }
     m_window = window;
+    m_selected = XCB_EVENT_MASK_NO_EVENT;
+    select();
     m_since = since;
-    m_title.clear();
-    if (window != XCB_NONE) {
-        m_xcb.select(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
-        m_title = m_reader.title(window).value_or(QString());
-    }
-    xcb_flush(m_xcb.connection());
+    m_title = window == XCB_NONE ? QString() : m_reader.title(window).value_or(QString());
     m_titledSince = since; // it came with its window, as far as anybody knows
     m_titleEvent.reset();
     m_hasTitleEvent = false;

@@ -7,6 +7,7 @@
 #include "platform/Workspace.h"
 #include "platform/linux/ActiveWindow.h"
 #include "platform/linux/ApplicationResolver.h"
+#include "platform/linux/FrontWindow.h"
 #include "platform/linux/ServerTime.h"
 
 #include <QObject>
@@ -28,6 +29,7 @@ public:
 
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override;
     [[nodiscard]] QString focusedWindowTitle(std::int64_t processId) override;
+    [[nodiscard]] QString whyUnseen() override;
 
 Q_SIGNALS:
     /// Another window came to the front, or none is there any more.
@@ -42,6 +44,7 @@ private:
     void take(const xcb_generic_event_t& event);
     void settle();
     void readFront();
+    void select();
     void follow(xcb_window_t window, std::optional<Moment> since);
     void noteTitle(const QString& title);
     void tellLater();
@@ -49,6 +52,7 @@ private:
     void announce();
 
     const Xcb& m_xcb;
+    FrontWindow m_frontWindow;
     ActiveWindowReader m_reader;
     ApplicationIds m_ids;
     std::function<bool()> m_isHeld;
@@ -56,6 +60,7 @@ private:
 
     // The window that is followed: it is in front as far as events and questions have told.
     xcb_window_t m_window = XCB_NONE;
+    std::uint32_t m_selected = 0; // the events that are asked of it
     std::optional<Moment> m_since;
     QString m_title;
     std::optional<Moment> m_titledSince;

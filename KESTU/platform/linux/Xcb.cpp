@@ -16,7 +16,9 @@ std::unique_ptr<Xcb> Xcb::connect(QString& why) {
     xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);
     if (xcb_connection_has_error(connection) != 0) {
         xcb_disconnect(connection);
-        why = QStringLiteral("X サーバー「%1」に接続できません").arg(qEnvironmentVariable("DISPLAY"));
+        why = QStringLiteral(
+                  "X サーバー「%1」に接続できないため、記録されません。X11 のセッションでお使いください。")
+                  .arg(qEnvironmentVariable("DISPLAY"));
         return nullptr;
     }
     auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection));
