@@ -27,6 +27,10 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
+    /// Why no window can be seen in this session and what would help, for the user; empty while they can be
+    /// seen. Answers within a few milliseconds.
+    [[nodiscard]] virtual QString whyUnseen() = 0;
+
     /// Absent when nothing is in front, when what was there has just vanished, or when that cannot be known.
     /// Tells what is true now, however short it may last. Answers within a few milliseconds.
     [[nodiscard]] virtual std::optional<FrontmostApplication> frontmostApplication() = 0;

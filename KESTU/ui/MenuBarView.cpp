@@ -2,6 +2,7 @@
 #include "ui/MenuBarView.h"
 
 #include "app/AppModel.h"
+#include "base/WindowRole.h"
 #include "classify/DayAggregation.h"
 #include "classify/DurationText.h"
 #include "ui/Commands.h"
@@ -58,6 +59,7 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     , m_projects(new QWidget) {
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("KESTU"));
+    setWindowRole(statusItemRole);
     setAccessibleName(QStringLiteral("今日"));
     auto* content = new QWidget;
     content->setFixedWidth(panelWidth);

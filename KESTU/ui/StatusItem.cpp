@@ -2,6 +2,7 @@
 #include "ui/StatusItem.h"
 
 #include "app/AppModel.h"
+#include "base/WindowRole.h"
 #include "ui/Commands.h"
 #include "ui/theme/Icons.h"
 
@@ -10,6 +11,7 @@ namespace kestu {
 StatusItem::StatusItem(AppModel& model, Commands& commands)
     : m_model(model) {
     commands.fillStatusMenu(m_menu);
+    m_menu.setWindowRole(statusItemRole);
     m_icon.setContextMenu(&m_menu);
     connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {

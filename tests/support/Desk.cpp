@@ -32,9 +32,20 @@ void Terminal::activate() const {
     outputOf(xdotool, {u"windowactivate"_s, u"--sync"_s, m_windowId});
 }
 
+void Terminal::moveTo(int x, int y) const {
+    outputOf(xdotool, {u"windowmove"_s, u"--sync"_s, m_windowId, QString::number(x), QString::number(y)});
+}
+
+void Terminal::pointAt() const {
+    outputOf(xdotool, {u"mousemove"_s, u"--window"_s, m_windowId, u"50"_s, u"50"_s});
+}
+
 void Terminal::setTitle(const QString& title) const {
-    outputOf(u"xprop"_s, {u"-id"_s, m_windowId, u"-f"_s, u"_NET_WM_NAME"_s, u"8u"_s, u"-set"_s,
-                          u"_NET_WM_NAME"_s, title});
+    setProperty(u"_NET_WM_NAME"_s, u"8u"_s, title);
+}
+
+void Terminal::setProperty(const QString& name, const QString& format, const QString& value) const {
+    outputOf(u"xprop"_s, {u"-id"_s, m_windowId, u"-f"_s, name, format, u"-set"_s, name, value});
 }
 
 void moveMouse(int x, int y) {

@@ -14,10 +14,18 @@ class Terminal final {
 public:
     Terminal(const QString& wmClass, const QString& title);
 
+    void moveTo(int x, int y) const;
+
+    /// Moves the mouse into the window.
+    void pointAt() const;
+
     /// Brings the window to the front and waits until it is there.
     void activate() const;
 
     void setTitle(const QString& title) const;
+
+    /// `format` is xprop's: the bits of an item and its kind, "8s" for a text.
+    void setProperty(const QString& name, const QString& format, const QString& value) const;
 
 private:
     Program m_program;

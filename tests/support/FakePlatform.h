@@ -44,8 +44,11 @@ struct FakeClock {
 struct FakeWorkspace final : Workspace {
     std::optional<FrontmostApplication> front;
     QString title;
+    QString unseen;
     int questions = 0;
     std::function<void()> whileAsked;
+
+    [[nodiscard]] QString whyUnseen() override { return unseen; }
 
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override {
         ++questions;

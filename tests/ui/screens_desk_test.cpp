@@ -5,6 +5,7 @@
 #include "app/AppModel.h"
 #include "app/ReportCommand.h"
 #include "platform/linux/AutostartEntry.h"
+#include "platform/linux/X11Desktop.h"
 #include "support/Desk.h"
 #include "support/FakePlatform.h"
 #include "support/Files.h"
@@ -15,6 +16,7 @@
 #include "support/TemporaryStore.h"
 #include "ui/Commands.h"
 #include "ui/MainWindow.h"
+#include "ui/MenuBarView.h"
 
 #include <QApplication>
 #include <QFile>
@@ -131,6 +133,26 @@ TEST_F(ScreensTest, StepsThroughReportsAndSavesWhatTheCommandLineWrites) {
                                                   .calendar = test::tokyo(),
                                                   .now = now})
                                           .output.toUtf8());
+}
+
+TEST_F(ScreensTest, AreAnApplicationInFrontButThePanelIsKnownForOurOwn) {
+    QString why;
+    const auto xcb = Xcb::connect(why);
+    X11Desktop eyes(*xcb, [] { return false; });
+    const auto isPanelInFront = [&] {
+        const auto front = eyes.frontmostApplication();
+        return front && front->processId == QCoreApplication::applicationPid()
+                   ? std::optional(front->isOwnPanel)
+                   : std::nullopt;
+    };
+    launch(u"timeline"_s);
+    EXPECT_TRUE(waitUntil([&] { return isPanelInFront() == false; }, patience));
+    MenuBarView panel(*model, *commands);
+    panel.show();
+    panel.activateWindow();
+    EXPECT_TRUE(waitUntil([&] { return isPanelInFront() == true; }, patience));
+    panel.close();
+    EXPECT_TRUE(waitUntil([&] { return isPanelInFront() == false; }, patience));
 }
 
 TEST_F(ScreensTest, TakesASuggestionOfAnotherProcessForThePastToo) {

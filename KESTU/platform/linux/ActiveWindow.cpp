@@ -56,20 +56,22 @@ ActiveWindowReader::ActiveWindowReader(const Xcb& xcb)
     : m_xcb(xcb)
     , m_hasResources(canNameProcesses(xcb))
     , m_hostName(QSysInfo::machineHostName().toUtf8())
-    , m_activeWindow(xcb.atom("_NET_ACTIVE_WINDOW"))
     , m_netWmName(xcb.atom("_NET_WM_NAME"))
     , m_netWmPid(xcb.atom("_NET_WM_PID"))
+    , m_gtkApplicationId(xcb.atom("_GTK_APPLICATION_ID"))
+    , m_windowType(xcb.atom("_NET_WM_WINDOW_TYPE"))
+    , m_desktopType(xcb.atom("_NET_WM_WINDOW_TYPE_DESKTOP"))
+    , m_windowRole(xcb.atom("WM_WINDOW_ROLE"))
     , m_utf8String(xcb.atom("UTF8_STRING"))
     , m_compoundText(xcb.atom("COMPOUND_TEXT")) {}
 
-xcb_window_t ActiveWindowReader::activeWindowId() const {
-    return firstCard32(m_xcb.property(m_xcb.requestProperty(m_xcb.root(), m_activeWindow)));
-}
-
-ActiveWindow ActiveWindowReader::read(xcb_window_t window) const {
+std::optional<ActiveWindow> ActiveWindowReader::read(xcb_window_t window) const {
     const auto netName = m_xcb.requestProperty(window, m_netWmName);
     const auto name = m_xcb.requestProperty(window, XCB_ATOM_WM_NAME);
     const auto wmClass = m_xcb.requestProperty(window, XCB_ATOM_WM_CLASS);
+    const auto gtkId = m_xcb.requestProperty(window, m_gtkApplicationId);
+    const auto type = m_xcb.requestProperty(window, m_windowType);
+    const auto role = m_xcb.requestProperty(window, m_windowRole);
     const auto pid = m_xcb.requestProperty(window, m_netWmPid);
     const auto machine = m_xcb.requestProperty(window, XCB_ATOM_WM_CLIENT_MACHINE);
     xcb_res_query_client_ids_cookie_t clientIds{};
@@ -79,22 +81,43 @@ ActiveWindow ActiveWindowReader::read(xcb_window_t window) const {
         clientIds = xcb_res_query_client_ids(m_xcb.connection(), 1, &spec);
     }
 
-    ActiveWindow result;
-    result.window = window;
-    const XProperty netNameProperty = m_xcb.property(netName);
-    result.title = title(netNameProperty, m_xcb.property(name));
-    const QList<QByteArray> classes = m_xcb.property(wmClass).bytes.split('\0');
-    result.instance = QString::fromUtf8(classes.value(0));
-    result.wmClass = QString::fromUtf8(classes.value(1));
-    const XProperty pidProperty = m_xcb.property(pid);
-    const std::int64_t claimed = claimedProcessId(pidProperty, m_xcb.property(machine));
+    const auto netNameProperty = m_xcb.property(netName);
+    const auto nameProperty = m_xcb.property(name);
+    const auto classProperty = m_xcb.property(wmClass);
+    const auto roleProperty = m_xcb.property(role);
+    const auto gtkIdProperty = m_xcb.property(gtkId);
+    const auto typeProperty = m_xcb.property(type);
+    const auto pidProperty = m_xcb.property(pid);
+    const auto machineProperty = m_xcb.property(machine);
     const std::int64_t told = m_hasResources ? localClientPid(m_xcb, clientIds) : 0;
+    if (!netNameProperty || !nameProperty || !classProperty || !roleProperty || !gtkIdProperty ||
+        !typeProperty || !pidProperty || !machineProperty) {
+        return std::nullopt;
+    }
+    const QList<QByteArray> classes = classProperty->bytes.split('\0');
     // The server's word is the host's truth; the window's own is its claim, and 1 inside a container.
-    result.processId = told != 0 ? told : claimed;
-    return result;
+    return ActiveWindow{.window = window,
+                        .title = titleIn(*netNameProperty, *nameProperty),
+                        .instance = QString::fromUtf8(classes.value(0)),
+                        .wmClass = QString::fromUtf8(classes.value(1)),
+                        .gtkApplicationId = QString::fromUtf8(gtkIdProperty->bytes),
+                        .isDesktop = firstCard32(*typeProperty) == m_desktopType,
+                        .role = QString::fromLatin1(roleProperty->bytes),
+                        .processId = told != 0 ? told : claimedProcessId(*pidProperty, *machineProperty)};
 }
 
-QString ActiveWindowReader::title(const XProperty& netName, const XProperty& name) const {
+std::optional<QString> ActiveWindowReader::title(xcb_window_t window) const {
+    const auto netName = m_xcb.requestProperty(window, m_netWmName);
+    const auto name = m_xcb.requestProperty(window, XCB_ATOM_WM_NAME);
+    const auto netNameProperty = m_xcb.property(netName);
+    const auto nameProperty = m_xcb.property(name);
+    if (!netNameProperty || !nameProperty) {
+        return std::nullopt;
+    }
+    return titleIn(*netNameProperty, *nameProperty);
+}
+
+QString ActiveWindowReader::titleIn(const XProperty& netName, const XProperty& name) const {
     for (const XProperty* property : {&netName, &name}) {
         const bool isUtf8 = property == &netName || property->type == m_utf8String;
         const auto encoding = isUtf8                             ? X11Encoding::utf8

@@ -17,6 +17,9 @@ struct ActiveWindow {
     QString title;
     QString instance; // the two halves of WM_CLASS
     QString wmClass;
+    QString gtkApplicationId;
+    bool isDesktop = false;
+    QString role;
     std::int64_t processId = 0; // 0 when unknown
 };
 
@@ -24,24 +27,30 @@ class ActiveWindowReader final {
 public:
     explicit ActiveWindowReader(const Xcb& xcb);
 
-    /// The id of the active window; XCB_NONE when there is none.
-    [[nodiscard]] xcb_window_t activeWindowId() const;
+    /// All of `window` in one round trip to the server, which answers even when the program hangs. Absent
+    /// when the window has vanished.
+    [[nodiscard]] std::optional<ActiveWindow> read(xcb_window_t window) const;
 
-    /// All of `window` in one round trip to the server, which answers even when the program hangs.
-    [[nodiscard]] ActiveWindow read(xcb_window_t window) const;
+    /// The title alone. Absent when the window has vanished.
+    [[nodiscard]] std::optional<QString> title(xcb_window_t window) const;
 
-    [[nodiscard]] xcb_atom_t activeWindowAtom() const { return m_activeWindow; }
+    [[nodiscard]] bool isTitle(xcb_atom_t property) const {
+        return property == m_netWmName || property == XCB_ATOM_WM_NAME;
+    }
 
 private:
-    [[nodiscard]] QString title(const XProperty& netName, const XProperty& name) const;
+    [[nodiscard]] QString titleIn(const XProperty& netName, const XProperty& name) const;
     [[nodiscard]] std::int64_t claimedProcessId(const XProperty& pid, const XProperty& machine) const;
 
     const Xcb& m_xcb;
     bool m_hasResources;
     QByteArray m_hostName;
-    xcb_atom_t m_activeWindow;
     xcb_atom_t m_netWmName;
     xcb_atom_t m_netWmPid;
+    xcb_atom_t m_gtkApplicationId;
+    xcb_atom_t m_windowType;
+    xcb_atom_t m_desktopType;
+    xcb_atom_t m_windowRole;
     xcb_atom_t m_utf8String;
     xcb_atom_t m_compoundText;
 };

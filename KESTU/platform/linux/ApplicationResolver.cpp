@@ -4,9 +4,9 @@
 #include "platform/linux/LaunchScope.h"
 #include "platform/linux/ProcessTree.h"
 #include "platform/linux/ProductTable.h"
+#include "platform/linux/RunningProgram.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <memory>
@@ -55,58 +55,133 @@ const DesktopEntry* entryOfWindow(Entries entries, const WindowFacts& window) {
     return nullptr;
 }
 
-/// Programs that run other programs: being one of them says nothing about what the user sees.
-bool runsOtherPrograms(const QString& executable) {
-    static const QRegularExpression hosts(
-        QStringLiteral(R"(^(?:python|pypy|perl|ruby|tclsh|wish|lua|luajit|guile|php|node|nodejs|gjs|mono|)"
-                       R"(dotnet|java|electron|nw|sh|dash|bash|zsh|fish|ksh|mksh|busybox|env|sudo|pkexec|)"
-                       R"(nice|bwrap|firejail|flatpak|snap|snap-confine|wine|wine-preloader|wine64|)"
-                       R"(wine64-preloader|qemu-.*|Xephyr|Xwayland|xterm|rxvt|urxvt|st)[-\d.]*$)"));
-    return hosts.match(QFileInfo(executable).fileName()).hasMatch();
+/// Of several entries of one program the one with the given name is meant, the others are its settings and
+/// the like. Absent when that leaves none or two: neither is surely the one.
+const DesktopEntry* oneEntryWhere(Entries entries, const std::function<bool(const DesktopEntry&)>& matches,
+                                  const QStringList& names) {
+    const auto isNamed = [&](const DesktopEntry& entry) {
+        return names.contains(entry.id.sliced(entry.id.lastIndexOf(u'.') + 1), Qt::CaseInsensitive);
+    };
+    const auto isNamedMatch = [&](const DesktopEntry& entry) { return matches(entry) && isNamed(entry); };
+    if (std::ranges::count_if(entries, matches) == 1) {
+        return entryWhere(entries, matches);
+    }
+    return std::ranges::count_if(entries, isNamedMatch) == 1 ? entryWhere(entries, isNamedMatch) : nullptr;
 }
 
-const DesktopEntry* entryOfExecutable(Entries entries, const QString& executable) {
-    const auto startsIt = [&](const DesktopEntry& entry) { return entry.executable == executable; };
-    if (executable.isEmpty() || runsOtherPrograms(executable) ||
-        std::ranges::count_if(entries, startsIt) != 1) {
+const DesktopEntry* entryOfFile(Entries entries, const QString& file, const QStringList& names) {
+    return oneEntryWhere(
+        entries, [&](const DesktopEntry& entry) { return !file.isEmpty() && entry.executable == file; },
+        names);
+}
+
+const DesktopEntry* entryOfFileName(Entries entries, const QString& name) {
+    const auto startsIt = [&](const DesktopEntry& entry) {
+        return !runsOtherPrograms(name) && entry.executable.endsWith(u'/' + name, Qt::CaseInsensitive);
+    };
+    return oneEntryWhere(entries, startsIt, {name});
+}
+
+/// The scope tells two entries of one program apart that have other names.
+const DesktopEntry* entryOfScope(Entries entries, const QString& file, const QString& scope) {
+    const auto* entry = entryWithId(entries, scope);
+    return entry != nullptr && !file.isEmpty() && entry->executable == file ? entry : nullptr;
+}
+
+bool hasClass(const WindowFacts& window) {
+    return !window.wmClass.isEmpty() || !window.wmInstance.isEmpty();
+}
+
+/// For a window that names its class, a program that runs others says nothing; without a class it is all
+/// there is.
+const DesktopEntry* entryOfProgram(Entries entries, const RunningProgram& program, const WindowFacts& window,
+                                   const QString& procRoot) {
+    if (window.processId <= 0) {
         return nullptr;
     }
-    return entryWhere(entries, startsIt);
-}
-
-const DesktopEntry* entryOfProcess(Entries entries, std::int64_t processId, const QString& procRoot) {
-    if (const auto* entry = entryOfExecutable(entries, executableOf(procRoot, processId))) {
-        return entry;
+    const DesktopEntry* entry = nullptr;
+    if (!hasClass(window) || !runsOtherPrograms(program.file)) {
+        const QStringList names =
+            hasClass(window) ? QStringList{window.wmClass, window.wmInstance} : QStringList{program.name};
+        entry = entryOfFile(entries, program.file, names);
     }
-    const auto id = launchedId(procRoot, processId);
-    return id ? entryWithId(entries, *id) : nullptr;
+    if (entry == nullptr) {
+        entry = entryOfScope(entries, program.file, scopeId(procRoot, window.processId).value_or(QString()));
+    }
+    if (entry == nullptr) {
+        entry = entryWithId(entries, launchedId(procRoot, window.processId).value_or(QString()));
+    }
+    return entry != nullptr || hasClass(window) ? entry : entryOfWindow(entries, {.wmClass = program.name});
 }
 
 ApplicationIdentity identity(const QString& id, const QString& name) {
-    return {.bundleId = productId(id).value_or(id), .localizedName = name.isEmpty() ? id : name};
+    const QString shown = shellPartName(id).value_or(name.isEmpty() ? id : name);
+    return {.bundleId = productId(id).value_or(id), .localizedName = shown};
+}
+
+/// A file manager's desktop is not the file manager: to exclude the one must not exclude the other.
+ApplicationIdentity desktopOf(const ApplicationIdentity& application) {
+    QString id = application.bundleId.value_or(QString());
+    if (!id.endsWith(u"desktop", Qt::CaseInsensitive)) {
+        id += id.isEmpty() ? QStringLiteral("desktop") : QStringLiteral("-desktop");
+    }
+    return {.bundleId = id, .localizedName = QStringLiteral("デスクトップ")};
+}
+
+/// The form that the bus allows for a name; programs can set anything.
+bool isApplicationId(const QString& text) {
+    constexpr qsizetype longest = 255;
+    const auto isAllowed = [](QChar c) {
+        return (c < u'\x80' && c.isLetterOrNumber()) || c == u'.' || c == u'-' || c == u'_';
+    };
+    return text.size() <= longest && text.contains(u'.') && std::ranges::all_of(text, isAllowed);
+}
+
+ApplicationIdentity applicationOf(const WindowFacts& window, Entries entries, const QString& procRoot) {
+    const RunningProgram program =
+        window.processId > 0 ? runningProgram(procRoot, window.processId) : RunningProgram();
+    QString ownName = window.wmClass.isEmpty() ? window.wmInstance : window.wmClass;
+    if (ownName.isEmpty()) {
+        ownName = program.name;
+    }
+    if (const auto id = window.processId > 0 ? sandboxId(procRoot, window.processId) : std::nullopt) {
+        const auto* entry = entryWithId(entries, *id);
+        return identity(*id, entry != nullptr ? entry->localizedName : ownName);
+    }
+    const QString gtkId = isApplicationId(window.gtkApplicationId) ? window.gtkApplicationId : QString();
+    const auto* entry = entryWithId(entries, gtkId);
+    entry = entry != nullptr ? entry : entryOfWindow(entries, window);
+    entry = entry != nullptr ? entry : entryOfProgram(entries, program, window, procRoot);
+    if (entry != nullptr) {
+        return identity(entry->id, entry->localizedName);
+    }
+    // Not the toolkit's id before the class: dialogs of the same program do not have it.
+    const QString& id = hasClass(window) || gtkId.isEmpty() ? ownName : gtkId;
+    return id.isEmpty() ? ApplicationIdentity{} : identity(id, hasClass(window) ? ownName : id);
 }
 
 } // namespace
 
 size_t qHash(const WindowFacts& window, size_t seed) noexcept {
-    return qHashMulti(seed, window.wmInstance, window.wmClass, window.processId);
+    return qHashMulti(seed, window.wmInstance, window.wmClass, window.gtkApplicationId, window.isDesktop,
+                      window.processId);
 }
 
 ApplicationIdentity identityOf(const WindowFacts& window, Entries entries, const QString& procRoot) {
-    const QString& ownName = window.wmClass.isEmpty() ? window.wmInstance : window.wmClass;
-    const bool hasProcess = window.processId > 0;
-    if (const auto id = hasProcess ? sandboxId(procRoot, window.processId) : std::nullopt) {
-        const auto* entry = entryWithId(entries, *id);
-        return identity(*id, entry != nullptr ? entry->localizedName : ownName);
+    const ApplicationIdentity application = applicationOf(window, entries, procRoot);
+    return window.isDesktop ? desktopOf(application) : application;
+}
+
+QString applicationIdNamed(const QString& name, Entries entries) {
+    const auto suffix = QStringLiteral(".desktop");
+    const QString bare = name.endsWith(suffix, Qt::CaseInsensitive) ? name.chopped(suffix.size()) : name;
+    const auto* entry = entryOfFile(entries, bare, {QFileInfo(bare).fileName()});
+    if (entry == nullptr && !bare.isEmpty() && !bare.contains(u'/')) {
+        entry = entryOfWindow(entries, {.wmClass = bare});
+        entry = entry != nullptr ? entry : entryOfFileName(entries, bare);
     }
-    const auto* entry = entryOfWindow(entries, window);
-    if (entry == nullptr && hasProcess) {
-        entry = entryOfProcess(entries, window.processId, procRoot);
-    }
-    if (entry != nullptr) {
-        return identity(entry->id, entry->localizedName);
-    }
-    return ownName.isEmpty() ? ApplicationIdentity{} : identity(ownName, ownName);
+    const QString id = entry != nullptr ? entry->id : bare;
+    return productId(id).value_or(id);
 }
 
 ApplicationIds::ApplicationIds(EntrySource entries, QString procRoot)
@@ -115,11 +190,12 @@ ApplicationIds::ApplicationIds(EntrySource entries, QString procRoot)
     , m_known(rememberedWindows) {}
 
 ApplicationIdentity ApplicationIds::of(const WindowFacts& window) {
-    if (const ApplicationIdentity* known = m_known.object(window)) {
+    const Asked asked{window, startOf(m_procRoot, window.processId)};
+    if (const ApplicationIdentity* known = m_known.object(asked)) {
         return *known;
     }
     ApplicationIdentity found = identityOf(window, m_entries(), m_procRoot);
-    m_known.insert(window, std::make_unique<ApplicationIdentity>(found).release());
+    m_known.insert(asked, std::make_unique<ApplicationIdentity>(found).release());
     return found;
 }
 

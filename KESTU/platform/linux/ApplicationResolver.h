@@ -13,14 +13,17 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace kestu {
 
 /// What a window says of itself.
 struct WindowFacts {
-    QString wmInstance;
-    QString wmClass;
+    QString wmInstance{};
+    QString wmClass{};
+    QString gtkApplicationId{};
+    bool isDesktop = false;     // the window behind all others, with the icons
     std::int64_t processId = 0; // 0 when unknown
     bool operator==(const WindowFacts&) const = default;
 };
@@ -33,11 +36,16 @@ struct ApplicationIdentity {
     bool operator==(const ApplicationIdentity&) const = default;
 };
 
-/// Sandbox id, then window class, then executable, then launch scope, and the window class itself for a
-/// program without an entry; products of the product table get their one id. Absent only for a window
-/// without a class and without any of these. `procRoot` is "/proc", or a test's tree.
+/// Sandbox id; then the entry that the window's GTK application id, its class, its program or its launch
+/// scope names; then its class, GTK application id or program itself. Products of the product table get their
+/// one id, and a file manager's desktop has an id beside the file manager's. Absent only for a window without
+/// any of these. `procRoot` is "/proc", or a test's tree.
 [[nodiscard]] ApplicationIdentity identityOf(const WindowFacts& window, std::span<const DesktopEntry> entries,
                                              const QString& procRoot);
+
+/// The bundle id of the application that calls itself `name` on a bus: by a desktop entry's id, a window
+/// class, a program's path or file name. That name itself where no entry and no product has it.
+[[nodiscard]] QString applicationIdNamed(const QString& name, std::span<const DesktopEntry> entries);
 
 /// The answers of identityOf, remembered. Owned by the workspace, which asks at every tick.
 class ApplicationIds final {
@@ -52,9 +60,11 @@ public:
     [[nodiscard]] ApplicationIdentity of(const WindowFacts& window);
 
 private:
+    using Asked = std::pair<WindowFacts, std::int64_t>; // with its process's start: ids are used again
+
     EntrySource m_entries;
     QString m_procRoot;
-    QCache<WindowFacts, ApplicationIdentity> m_known;
+    QCache<Asked, ApplicationIdentity> m_known;
 };
 
 } // namespace kestu

@@ -19,6 +19,14 @@ QDBusMessage callMessage(const BusMethod& method, const QVariantList& arguments)
     return message;
 }
 
+int millisecondsUntil(const QDeadlineTimer& deadline) {
+    return static_cast<int>(std::max<qint64>(1, deadline.remainingTime()));
+}
+
+std::optional<QVariantList> argumentsOf(const QDBusMessage& reply) {
+    return reply.type() == QDBusMessage::ReplyMessage ? std::optional(reply.arguments()) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<QVariantList> callBus(const QDBusConnection& bus, const BusMethod& method,
@@ -26,12 +34,17 @@ std::optional<QVariantList> callBus(const QDBusConnection& bus, const BusMethod&
     if (!bus.isConnected() || deadline.hasExpired()) {
         return std::nullopt;
     }
-    const auto milliseconds = static_cast<int>(std::max<qint64>(1, deadline.remainingTime()));
-    const QDBusMessage reply = bus.call(callMessage(method, arguments), QDBus::Block, milliseconds);
-    if (reply.type() != QDBusMessage::ReplyMessage) {
-        return std::nullopt;
-    }
-    return reply.arguments();
+    return argumentsOf(bus.call(callMessage(method, arguments), QDBus::Block, millisecondsUntil(deadline)));
+}
+
+QDBusPendingCall askBus(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
+                        const QDeadlineTimer& deadline) {
+    return bus.asyncCall(callMessage(method, arguments), millisecondsUntil(deadline));
+}
+
+std::optional<QVariantList> answerOf(QDBusPendingCall call) {
+    call.waitForFinished();
+    return argumentsOf(call.reply());
 }
 
 std::optional<QVariant> busProperty(const QDBusConnection& bus, const QString& service, const QString& path,

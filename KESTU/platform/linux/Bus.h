@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDeadlineTimer>
 #include <QString>
 #include <QVariantList>
@@ -26,6 +27,13 @@ struct BusMethod {
 [[nodiscard]] std::optional<QVariantList> callBus(const QDBusConnection& bus, const BusMethod& method,
                                                   const QVariantList& arguments,
                                                   const QDeadlineTimer& deadline);
+
+/// Sends a question and goes on: several travel together and wait together, each until `deadline`.
+[[nodiscard]] QDBusPendingCall askBus(const QDBusConnection& bus, const BusMethod& method,
+                                      const QVariantList& arguments, const QDeadlineTimer& deadline);
+
+/// Waits for the arguments of the reply; absent as for callBus.
+[[nodiscard]] std::optional<QVariantList> answerOf(QDBusPendingCall call);
 
 /// A property's value through org.freedesktop.DBus.Properties; absent as for callBus.
 [[nodiscard]] std::optional<QVariant> busProperty(const QDBusConnection& bus, const QString& service,

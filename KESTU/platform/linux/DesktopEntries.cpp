@@ -3,6 +3,7 @@
 #include <gio/gio.h>
 
 #include "platform/linux/DesktopEntries.h"
+#include "platform/linux/RunningProgram.h"
 
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -34,7 +35,14 @@ QString windowProgram(GDesktopAppInfo* info) {
         return {};
     }
     const std::unique_ptr<gchar*, ArgumentsRelease> arguments{parsed};
-    return QFileInfo(QStandardPaths::findExecutable(QFile::decodeName(*parsed))).canonicalFilePath();
+    QStringList words;
+    for (gchar** argument = parsed; *argument != nullptr; ++argument) {
+        words << QFile::decodeName(*argument);
+    }
+    const QString program = startedProgram(words);
+    const QFileInfo file(program);
+    return (file.isAbsolute() ? file : QFileInfo(QStandardPaths::findExecutable(program)))
+        .canonicalFilePath();
 }
 
 DesktopEntry entryOf(GDesktopAppInfo* desktopInfo) {

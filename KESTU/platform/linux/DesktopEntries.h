@@ -13,8 +13,8 @@ struct DesktopEntry {
     QString id;             // the entry's file name without ".desktop"
     QString localizedName;  // in the language of the process
     QString startupWmClass; // empty when the entry names none
-    QString executable;     // resolved path of the program that opens the window; empty when not found, and
-                            // for programs that run in a terminal, whose window it is
+    QString executable; // resolved path of the program that opens the window, or of its script; empty when
+                        // not found, and for programs that run in a terminal, whose window it is
     bool noDisplay = false; // not shown in menus: helpers, settings pages, second spellings
 };
 

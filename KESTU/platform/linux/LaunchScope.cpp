@@ -2,6 +2,7 @@
 #include "platform/linux/LaunchScope.h"
 
 #include "platform/linux/ProcessTree.h"
+#include "platform/linux/RunningProgram.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -12,6 +13,12 @@ namespace {
 struct Scope {
     QString launcher; // "flatpak", "gnome", …; may be empty
     QString id;
+    QString instance; // most often the first process's id; empty for a service
+};
+
+struct SnapScope {
+    QString name;
+    QString application;
 };
 
 std::optional<QString> flatpakId(const QString& procRoot, std::int64_t processId) {
@@ -44,22 +51,37 @@ QString unescaped(const QString& unitPart) {
 /// launcher left out in some.
 std::optional<Scope> applicationScope(const QString& unit) {
     static const QRegularExpression form(
-        QStringLiteral(R"(^app-(?:([^-@]+)-)?([^-@]+)(?:-[^-@]+\.scope|(?:@[^@]*)?\.service)$)"));
+        QStringLiteral(R"(^app-(?:([^-@]+)-)?([^-@]+)(?:-([^-@]+)\.scope|(?:@[^@]*)?\.service)$)"));
     const auto match = form.match(unit);
     if (!match.hasMatch()) {
         return std::nullopt;
     }
-    return Scope{.launcher = unescaped(match.captured(1)), .id = unescaped(match.captured(2))};
+    return Scope{.launcher = unescaped(match.captured(1)),
+                 .id = unescaped(match.captured(2)),
+                 .instance = match.captured(3)};
 }
 
-std::optional<QString> snapId(const QString& unit) {
+std::optional<SnapScope> snapScope(const QString& unit) {
     static const QRegularExpression form(
         QStringLiteral(R"(^snap\.([^.]+)\.([^.]+)[-.][0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12}\.scope$)"));
     const auto match = form.match(unit);
     if (!match.hasMatch()) {
         return std::nullopt;
     }
-    return unescaped(match.captured(1)) + u'_' + unescaped(match.captured(2));
+    return SnapScope{.name = unescaped(match.captured(1)), .application = unescaped(match.captured(2))};
+}
+
+/// Classic Snaps run the system's programs, which then stand in the Snap's scope.
+bool liesInSnap(const QString& procRoot, std::int64_t processId, const QString& snap) {
+    const QString program = executableOf(procRoot, processId);
+    const QString script = runningProgram(procRoot, processId).file;
+    for (const QString& root : {QStringLiteral("/snap/"), QStringLiteral("/var/lib/snapd/snap/")}) {
+        const QString folder = root + snap + u'/';
+        if (program.startsWith(folder) || script.startsWith(folder)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// The names of the units around the process, innermost first.
@@ -83,6 +105,23 @@ std::optional<Scope> scopeAround(const QByteArray& cgroups) {
     return std::nullopt;
 }
 
+bool isStartedByService(const QString& procRoot, std::int64_t processId) {
+    return processFile(procRoot, processId, u"environ")
+        .split('\0')
+        .contains("SYSTEMD_EXEC_PID=" + QByteArray::number(static_cast<qlonglong>(processId)));
+}
+
+/// Whose parent has ended is given to the session's manager, which is outside of every scope: a parent there
+/// says nothing. Other parents outside of the scope have put the process into it.
+bool isPutIntoScope(const QString& procRoot, std::int64_t processId, const QByteArray& cgroups) {
+    const auto parent = parentProcess(procRoot, processId);
+    if (!parent || *parent == 1) {
+        return false;
+    }
+    const QByteArray above = processFile(procRoot, *parent, u"cgroup");
+    return !above.isEmpty() && above != cgroups && unitsAround(above).value(0) != u"init.scope";
+}
+
 } // namespace
 
 std::optional<QString> sandboxId(const QString& procRoot, std::int64_t processId) {
@@ -91,22 +130,33 @@ std::optional<QString> sandboxId(const QString& procRoot, std::int64_t processId
     }
     const QByteArray cgroups = processFile(procRoot, processId, u"cgroup");
     for (const QString& unit : unitsAround(cgroups)) {
-        if (auto id = snapId(unit)) {
-            return id;
+        const auto snap = snapScope(unit);
+        if (snap && liesInSnap(procRoot, processId, snap->name)) {
+            return snap->name + u'_' + snap->application;
         }
     }
+    // Where the process's root is closed to us, its program is too.
     const auto scope = scopeAround(cgroups);
-    return scope && scope->launcher == u"flatpak" ? std::optional(scope->id) : std::nullopt;
+    const bool isFlatpak =
+        scope && scope->launcher == u"flatpak" && executableOf(procRoot, processId).isEmpty();
+    return isFlatpak ? std::optional(scope->id) : std::nullopt;
+}
+
+std::optional<QString> scopeId(const QString& procRoot, std::int64_t processId) {
+    const auto scope = scopeAround(processFile(procRoot, processId, u"cgroup"));
+    return scope ? std::optional(scope->id) : std::nullopt;
 }
 
 std::optional<QString> launchedId(const QString& procRoot, std::int64_t processId) {
     const QByteArray cgroups = processFile(procRoot, processId, u"cgroup");
     const auto scope = scopeAround(cgroups);
-    const auto parent = parentProcess(procRoot, processId);
-    if (!scope || !parent || processFile(procRoot, *parent, u"cgroup") == cgroups) {
+    if (!scope) {
         return std::nullopt;
     }
-    return scope->id;
+    const bool isNamed = scope->instance == QString::number(processId);
+    const bool isFirst = scope->instance.isEmpty() ? isStartedByService(procRoot, processId)
+                                                   : isPutIntoScope(procRoot, processId, cgroups);
+    return isNamed || isFirst ? std::optional(scope->id) : std::nullopt;
 }
 
 } // namespace kestu

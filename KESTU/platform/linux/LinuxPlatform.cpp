@@ -24,8 +24,15 @@ namespace {
 /// A session whose windows cannot be seen: nothing is in front, and so nothing wrong is recorded.
 class UnseenDesktop final : public Workspace {
 public:
+    explicit UnseenDesktop(QString why)
+        : m_why(std::move(why)) {}
+
+    [[nodiscard]] QString whyUnseen() override { return m_why; }
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override { return std::nullopt; }
     [[nodiscard]] QString focusedWindowTitle(std::int64_t) override { return {}; }
+
+private:
+    QString m_why;
 };
 
 class UnseenInput final : public UserInput {
@@ -46,13 +53,13 @@ bool isWaylandSession() {
 
 class LinuxPlatform final : public Platform {
 public:
-    /// The connections are absent where the session's windows cannot be seen.
-    LinuxPlatform(std::unique_ptr<Xcb> forEvents, std::unique_ptr<Xcb> forQuestions)
+    /// The connections are absent where the session's windows cannot be seen; `whyUnseen` says why then.
+    LinuxPlatform(std::unique_ptr<Xcb> forEvents, std::unique_ptr<Xcb> forQuestions, const QString& whyUnseen)
         : m_forEvents(std::move(forEvents))
         , m_forQuestions(std::move(forQuestions))
         , m_displayPower(makeDisplayPower())
         , m_systemEvents(QDBusConnection::systemBus(), QDBusConnection::sessionBus(), *m_displayPower)
-        , m_workspace(makeWorkspace())
+        , m_workspace(makeWorkspace(whyUnseen))
         , m_userInput(makeUserInput())
         , m_displayAssertions(QDBusConnection::systemBus(), QDBusConnection::sessionBus())
         , m_accessibilityBus(QDBusConnection::sessionBus())
@@ -83,13 +90,15 @@ private:
         return std::make_unique<X11DisplayPower>(*m_forQuestions);
     }
 
-    [[nodiscard]] std::unique_ptr<Workspace> makeWorkspace() {
+    [[nodiscard]] std::unique_ptr<Workspace> makeWorkspace(const QString& whyUnseen) {
         if (!m_forEvents) {
-            return std::make_unique<UnseenDesktop>();
+            return std::make_unique<UnseenDesktop>(whyUnseen);
         }
         auto desktop = std::make_unique<X11Desktop>(*m_forEvents, [this] { return m_systemEvents.isHeld(); });
         QObject::connect(desktop.get(), &X11Desktop::activeWindowChanged, &m_systemEvents,
                          &LinuxSystemEvents::noteActivation);
+        QObject::connect(desktop.get(), &X11Desktop::titleChanged, &m_systemEvents,
+                         &LinuxSystemEvents::noteTitle);
         return desktop;
     }
 
@@ -126,21 +135,20 @@ bool isDisplayReachable() {
 }
 
 LinuxPlatformStart startLinuxPlatform() {
-    if (isWaylandSession()) {
-        return {.platform = std::make_unique<LinuxPlatform>(nullptr, nullptr),
-                .warning = QStringLiteral(
-                    "Wayland のセッションではウインドウを見ることができないため、記録されません。"
-                    "X11 のセッションでお使いください。")};
-    }
     QString why;
-    auto forEvents = Xcb::connect(why);
-    auto forQuestions = forEvents ? Xcb::connect(why) : nullptr;
-    if (!forQuestions) {
-        return {.platform = std::make_unique<LinuxPlatform>(nullptr, nullptr),
-                .warning = QStringLiteral("ウインドウを見ることができないため、記録されません：") + why};
+    std::unique_ptr<Xcb> forEvents;
+    std::unique_ptr<Xcb> forQuestions;
+    if (isWaylandSession()) {
+        why = QStringLiteral("Wayland のセッションではウインドウを見ることができないため、記録されません。"
+                             "X11 のセッションでお使いください。");
+    } else if ((forEvents = Xcb::connect(why))) {
+        forQuestions = Xcb::connect(why);
     }
-    return {.platform = std::make_unique<LinuxPlatform>(std::move(forEvents), std::move(forQuestions)),
-            .warning = {}};
+    if (!forQuestions) {
+        forEvents.reset();
+    }
+    auto platform = std::make_unique<LinuxPlatform>(std::move(forEvents), std::move(forQuestions), why);
+    return {.platform = std::move(platform), .warning = why};
 }
 
 } // namespace kestu

@@ -11,6 +11,13 @@ QString processPath(const QString& procRoot, std::int64_t processId, QStringView
     return QStringLiteral("%1/%2/%3").arg(procRoot, QString::number(processId), name);
 }
 
+/// The numeric field `index` after the name; 0 when there is none.
+std::int64_t statField(const QString& procRoot, std::int64_t processId, qsizetype index) {
+    // "4711 (name) S 4710 ...": the name may hold blanks and brackets, the fields after it do not.
+    const QByteArray line = processFile(procRoot, processId, u"stat");
+    return line.mid(line.lastIndexOf(')') + 1).simplified().split(' ').value(index).toLongLong();
+}
+
 } // namespace
 
 QByteArray processFile(const QString& procRoot, std::int64_t processId, QStringView name) {
@@ -19,11 +26,12 @@ QByteArray processFile(const QString& procRoot, std::int64_t processId, QStringV
 }
 
 std::optional<std::int64_t> parentProcess(const QString& procRoot, std::int64_t processId) {
-    // "4711 (name) S 4710 ...": the name may hold blanks and brackets, the fields after it do not.
-    const QByteArray line = processFile(procRoot, processId, u"stat");
-    const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 1).simplified().split(' ');
-    const std::int64_t parent = fields.size() > 1 ? fields.at(1).toLongLong() : 0;
+    const std::int64_t parent = statField(procRoot, processId, 1);
     return parent > 0 ? std::optional(parent) : std::nullopt;
+}
+
+std::int64_t startOf(const QString& procRoot, std::int64_t processId) {
+    return statField(procRoot, processId, 19);
 }
 
 bool descendsFrom(const QString& procRoot, std::int64_t processId, std::int64_t ancestor) {
@@ -39,9 +47,13 @@ bool descendsFrom(const QString& procRoot, std::int64_t processId, std::int64_t 
     return false;
 }
 
+QString linkTarget(const QString& procRoot, std::int64_t processId, QStringView name) {
+    return QFile::symLinkTarget(processPath(procRoot, processId, name));
+}
+
 QString executableOf(const QString& procRoot, std::int64_t processId) {
     constexpr QStringView replaced = u" (deleted)";
-    QString path = QFile::symLinkTarget(processPath(procRoot, processId, u"exe"));
+    QString path = linkTarget(procRoot, processId, u"exe");
     if (path.endsWith(replaced)) {
         path.chop(replaced.size());
     }

@@ -22,6 +22,13 @@ namespace kestu {
 /// Whether `processId` is `ancestor` or was started by it, at any remove.
 [[nodiscard]] bool descendsFrom(const QString& procRoot, std::int64_t processId, std::int64_t ancestor);
 
+/// When the process started, in the kernel's ticks since the machine did; 0 when there is no such process.
+/// With the id, which is used again, it names one process for good.
+[[nodiscard]] std::int64_t startOf(const QString& procRoot, std::int64_t processId);
+
+/// What the link `name` below the process's folder points to; empty when that cannot be seen.
+[[nodiscard]] QString linkTarget(const QString& procRoot, std::int64_t processId, QStringView name);
+
 /// The file that a process runs, also when an update has replaced it since; empty when that cannot be seen.
 [[nodiscard]] QString executableOf(const QString& procRoot, std::int64_t processId);
 

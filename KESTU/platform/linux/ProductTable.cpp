@@ -108,9 +108,39 @@ constexpr auto products = std::to_array<Product>({
     {u"sddm-greeter-qt6", u"com.apple.loginwindow"},
     {u"lxdm-greeter-gtk", u"com.apple.loginwindow"},
     {u"gdm-greeter", u"com.apple.loginwindow"},
+
+    // The desktop itself, where it names itself in two ways.
+    {u"org.xfce.xfdesktop", u"Xfdesktop"},
+});
+
+struct ShellPart {
+    QStringView id;
+    QStringView name;
+};
+
+constexpr auto shellParts = std::to_array<ShellPart>({
+    {u"xfdesktop", u"デスクトップ"},
+    {u"org.xfce.xfdesktop", u"デスクトップ"},
+    {u"nemo-desktop", u"デスクトップ"},
+    {u"plasmashell", u"デスクトップ"},
+    {u"org.kde.plasmashell", u"デスクトップ"},
+    {u"xfce4-panel", u"パネル"},
+    {u"wrapper-1.0", u"パネル"}, // a plugin of Xfce's panel in a process of its own
+    {u"wrapper-2.0", u"パネル"},
+    {u"mate-panel", u"パネル"},
+    {u"lxpanel", u"パネル"},
+    {u"lxqt-panel", u"パネル"},
+    {u"tint2", u"パネル"},
 });
 
 } // namespace
+
+std::optional<QString> shellPartName(const QString& id) {
+    const auto* const part = std::ranges::find_if(shellParts, [&](const ShellPart& candidate) {
+        return id.compare(candidate.id, Qt::CaseInsensitive) == 0;
+    });
+    return part != shellParts.end() ? std::optional(part->name.toString()) : std::nullopt;
+}
 
 std::optional<QString> productId(const QString& spelling) {
     const auto* const product = std::ranges::find_if(products, [&](const Product& candidate) {

@@ -16,7 +16,9 @@ std::unique_ptr<Xcb> Xcb::connect(QString& why) {
     xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);
     if (xcb_connection_has_error(connection) != 0) {
         xcb_disconnect(connection);
-        why = QStringLiteral("X サーバー「%1」に接続できません").arg(qEnvironmentVariable("DISPLAY"));
+        why = QStringLiteral(
+                  "X サーバー「%1」に接続できないため、記録されません。X11 のセッションでお使いください。")
+                  .arg(qEnvironmentVariable("DISPLAY"));
         return nullptr;
     }
     auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection));
@@ -54,15 +56,20 @@ xcb_get_property_cookie_t Xcb::requestProperty(xcb_window_t window, xcb_atom_t p
     return xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, longestProperty);
 }
 
-XProperty Xcb::property(xcb_get_property_cookie_t cookie) const {
+std::optional<XProperty> Xcb::property(xcb_get_property_cookie_t cookie) const {
     xcb_generic_error_t* error = nullptr;
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, &error));
     std::free(error);
     if (!reply) {
-        return {};
+        return std::nullopt;
     }
     const auto* bytes = static_cast<const char*>(xcb_get_property_value(reply.get()));
-    return {.type = reply->type, .bytes = QByteArray(bytes, xcb_get_property_value_length(reply.get()))};
+    return XProperty{.type = reply->type,
+                     .bytes = QByteArray(bytes, xcb_get_property_value_length(reply.get()))};
+}
+
+void Xcb::select(xcb_window_t window, std::uint32_t events) const {
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &events);
 }
 
 } // namespace kestu

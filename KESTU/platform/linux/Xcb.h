@@ -2,7 +2,7 @@
 //
 // Our own connection to the X server. Not Qt's: it works with every Qt platform, and a protocol error on it
 // cannot break the screens. Windows vanish between two questions, so an error reply is ordinary and simply
-// reads as "nothing".
+// reads as "nothing"; as an event it has a type that nobody waits for.
 #pragma once
 
 #include <QByteArray>
@@ -48,7 +48,12 @@ public:
     [[nodiscard]] bool has(xcb_extension_t& extension) const;
 
     [[nodiscard]] xcb_get_property_cookie_t requestProperty(xcb_window_t window, xcb_atom_t property) const;
-    [[nodiscard]] XProperty property(xcb_get_property_cookie_t cookie) const;
+
+    /// Absent when the window has vanished; empty when it has no such property.
+    [[nodiscard]] std::optional<XProperty> property(xcb_get_property_cookie_t cookie) const;
+
+    /// Asks for these events of a window, and for no others of it. A window that has vanished has none.
+    void select(xcb_window_t window, std::uint32_t events) const;
 
 private:
     Xcb(xcb_connection_t* connection, xcb_window_t root);

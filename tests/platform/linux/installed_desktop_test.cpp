@@ -43,6 +43,9 @@ protected:
         addEntry("system/applications/tool",
                  "Name=Tool\nName[ja]=道具\nStartupWMClass=ToolWindow\nExec=" + tool);
         addEntry("system/applications/a-helper", "Name=Helper\nNoDisplay=true\nExec=" + tool);
+        test::putFile(path("share/script"), "exit 0\n");
+        addEntry("system/applications/script",
+                 "Name=Script\nExec=env A=b sh -e " + path("share/script").toUtf8() + " %U");
         addEntry("system/applications/texts", "Name=Texts\nTerminal=true\nExec=" + tool);
         addEntry("system/applications/removed", "Name=Removed\nExec=" + tool);
         addEntry("data/applications/removed", "Name=Removed\nHidden=true\nExec=" + tool);
@@ -93,7 +96,8 @@ TEST_F(InstalledDesktop, ListsVisibleEntriesFirstInTheLanguageOfTheProcessAndRes
     for (const auto& [language, name] : rows) {
         qputenv("LANG", language);
         EXPECT_THAT(installedDesktopEntries(),
-                    testing::ElementsAre(has(u"texts", u"Texts", u"", QString()), // the terminal's window
+                    testing::ElementsAre(has(u"script", u"Script", u"", program("share/script")),
+                                         has(u"texts", u"Texts", u"", QString()), // the terminal's window
                                          has(u"tool", name, u"ToolWindow", program("bin/tool")),
                                          has(u"a-helper", u"Helper", u"", program("bin/tool")),
                                          has(u"handler", u"Handler", u"", program("bin/handler"))))

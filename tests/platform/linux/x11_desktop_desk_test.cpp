@@ -4,14 +4,19 @@
 #include "platform/Accessibility.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/X11Desktop.h"
-#include "platform/linux/X11Input.h"
 
 #include "support/Desk.h"
 #include "support/PrivateBus.h"
 
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+
+#include <chrono>
+#include <cmath>
+#include <thread>
 
 namespace kestu {
 namespace {
@@ -88,10 +93,16 @@ protected:
         for (const xcb_window_t window : windows) {
             xcb_change_property(m_programs->connection(), XCB_PROP_MODE_REPLACE, m_programs->root(),
                                 m_programs->atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32, 1, &window);
-            xcb_flush(m_programs->connection());
-            waitUntil([] { return false; }, 5);
         }
+        arrive();
         waitUntil([] { return false; }, 200);
+    }
+
+    /// Waits until the server has done what the programs asked for.
+    Moment arrive() {
+        std::free(xcb_get_input_focus_reply(m_programs->connection(),
+                                            xcb_get_input_focus(m_programs->connection()), nullptr));
+        return Moment::clock::now();
     }
 
     QString m_why;
@@ -138,6 +149,42 @@ TEST_F(X11DesktopTest, ReadsEveryKindOfTitle) {
     }
 }
 
+TEST_F(X11DesktopTest, KnowsAProgramByItsFileByItsToolkitAndAsDesktop) {
+    test::installDesktopEntry(u"org.example.Toolkit"_s, u"Name=Toolkit\nExec=true\n"_s);
+    const TestWindow window(*m_programs, "", "own");
+    ASSERT_TRUE(comesToFront(window, u"own"_s));
+    const QString file = QFileInfo(u"/proc/self/exe"_s).canonicalFilePath();
+    EXPECT_EQ(m_desktop.frontmostApplication()->bundleId, QFileInfo(file).fileName()) << "no class";
+
+    const auto becomes = [this](const QString& id, const QString& name) {
+        return waitUntil([&] {
+            const auto front = m_desktop.frontmostApplication();
+            return front && front->bundleId == id && front->localizedName == name;
+        });
+    };
+    window.set("_GTK_APPLICATION_ID", "UTF8_STRING", "org.example.Toolkit");
+    EXPECT_TRUE(becomes(u"org.example.Toolkit"_s, u"Toolkit"_s));
+    const xcb_atom_t desktop = m_programs->atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+    window.set("_NET_WM_WINDOW_TYPE", "ATOM",
+               QByteArray(reinterpret_cast<const char*>(&desktop), sizeof desktop), 32);
+    EXPECT_TRUE(becomes(u"org.example.Toolkit-desktop"_s, u"デスクトップ"_s));
+}
+
+TEST_F(X11DesktopTest, KnowsARealProgramThatLosesItsClass) {
+    const test::Terminal terminal(u"plain"_s, u"plain"_s);
+    terminal.activate();
+    ASSERT_TRUE(waitUntil([&] {
+        const auto front = m_desktop.frontmostApplication();
+        return front && front->bundleId == u"plain"_s;
+    }));
+    const auto idWithoutClass = [&] {
+        const QString window = test::outputOf(u"xdotool"_s, {u"getactivewindow"_s}).trimmed();
+        test::outputOf(u"xprop"_s, {u"-id"_s, window, u"-remove"_s, u"WM_CLASS"_s});
+        return m_desktop.frontmostApplication()->bundleId;
+    };
+    EXPECT_EQ(idWithoutClass(), u"debian-xterm"_s);
+}
+
 TEST_F(X11DesktopTest, SaysAtOnceAndOnceThatAnotherWindowCameToTheFront) {
     int changes = 0;
     QObject::connect(&m_desktop, &X11Desktop::activeWindowChanged, [&] { ++changes; });
@@ -157,22 +204,139 @@ TEST_F(X11DesktopTest, SaysAtOnceAndOnceThatAnotherWindowCameToTheFront) {
         EXPECT_EQ(changes, 2) << "nothing is in front any more";
         EXPECT_FALSE(frontTitle());
         nameActive({first.id()});
+        EXPECT_EQ(changes, 3);
         second.activate();
         ASSERT_TRUE(titleBecomes(u"second"_s));
     }
     EXPECT_TRUE(titleBecomes(u"first"_s)) << "the window in front has vanished, the one beneath is there";
 }
 
-TEST_F(X11DesktopTest, CountsTheSecondsSinceTheLastInput) {
-    X11Input input(*m_ours);
-    int x = 0;
-    EXPECT_TRUE(waitUntil([&] {
-        test::moveMouse(++x, 40);
-        return input.secondsSinceLastInput().count() < 0.3;
-    }));
-    waitUntil([] { return false; }, 700);
-    EXPECT_GE(input.secondsSinceLastInput().count(), 0.65);
-    EXPECT_LT(input.secondsSinceLastInput().count(), 5);
+/// How far an age is from the time since `event`, in seconds; infinite for an unknown age.
+double errorOf(const std::optional<Seconds>& age, Moment event) {
+    return age ? std::abs((*age - Seconds(Moment::clock::now() - event)).count()) : INFINITY;
+}
+
+TEST_F(X11DesktopTest, KnowsHowLongAWindowAndItsTitleAreThereAlsoAfterAPauseOfItsOwn) {
+    constexpr double exact = 0.03;
+    const TestWindow first(*m_programs, QByteArray("a\0A\0", 4), "first");
+    const TestWindow second(*m_programs, QByteArray("b\0B\0", 4), "second");
+    ASSERT_TRUE(comesToFront(first, u"first"_s));
+    ASSERT_TRUE(comesToFront(second, u"second"_s));
+    for (const bool isBusy : {true, false}) {
+        SCOPED_TRACE(isBusy ? "events undelivered" : "events delivered as they come");
+        const auto pass = [&] {
+            isBusy ? std::this_thread::sleep_for(std::chrono::milliseconds(300))
+                   : void(waitUntil([] { return false; }, 300));
+        };
+        const auto activate = [&](const TestWindow& window) {
+            const xcb_window_t id = window.id();
+            xcb_change_property(m_programs->connection(), XCB_PROP_MODE_REPLACE, m_programs->root(),
+                                m_programs->atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32, 1, &id);
+            return arrive();
+        };
+        const Moment came = activate(first);
+        pass();
+        auto front = m_desktop.frontmostApplication();
+        EXPECT_EQ(front->bundleId, u"A"_s);
+        EXPECT_LT(errorOf(front->inFrontFor, came), exact);
+        EXPECT_LT(errorOf(front->titledFor, came), exact) << "a title that came with its window";
+
+        first.set("WM_NAME", "STRING", isBusy ? "one" : "two");
+        const Moment titled = arrive();
+        pass();
+        front = m_desktop.frontmostApplication();
+        EXPECT_LT(errorOf(front->titledFor, titled), exact);
+        EXPECT_LT(errorOf(front->inFrontFor, came), exact);
+
+        first.set("WM_NAME", "STRING", isBusy ? "one" : "two");
+        activate(first);
+        pass();
+        front = m_desktop.frontmostApplication();
+        EXPECT_LT(errorOf(front->titledFor, titled), exact) << "the same text again is no new title";
+        EXPECT_LT(errorOf(front->inFrontFor, came), exact) << "the same window again did not come";
+
+        activate(second);
+        EXPECT_EQ(frontTitle(), u"second"_s);
+        const Moment back = activate(first);
+        pass();
+        front = m_desktop.frontmostApplication();
+        EXPECT_LT(errorOf(front->inFrontFor, back), exact);
+        EXPECT_LT(errorOf(front->titledFor, back), exact);
+        activate(second);
+        EXPECT_EQ(frontTitle(), u"second"_s);
+    }
+}
+
+TEST_F(X11DesktopTest, DoesNotKnowTheAgeOfWhatWasThereBefore) {
+    const TestWindow window(*m_programs, QByteArray("a\0A\0", 4), "first");
+    ASSERT_TRUE(comesToFront(window, u"first"_s));
+    X11Desktop later(*m_ours, [] { return false; });
+    EXPECT_FALSE(later.frontmostApplication()->inFrontFor);
+    EXPECT_FALSE(later.frontmostApplication()->titledFor);
+}
+
+TEST_F(X11DesktopTest, SaysThatTheWindowInFrontHasAnotherTitle) {
+    const TestWindow first(*m_programs, QByteArray("a\0A\0", 4), "first");
+    const TestWindow second(*m_programs, QByteArray("b\0B\0", 4), "second");
+    ASSERT_TRUE(comesToFront(second, u"second"_s));
+    ASSERT_TRUE(comesToFront(first, u"first"_s));
+    waitUntil([] { return false; }, 200);
+    int titles = 0;
+    QObject::connect(&m_desktop, &X11Desktop::titleChanged, [&] { ++titles; });
+    const struct {
+        const char* what;
+        const TestWindow& window;
+        const char* property;
+        const char* text;
+        int changes;
+    } rows[] = {
+        {"another title", first, "WM_NAME", "one", 1},
+        {"the same text", first, "WM_NAME", "one", 0},
+        {"a title that is hidden by no other", first, "_NET_WM_NAME", "two", 1},
+        {"a hidden one", first, "WM_NAME", "three", 0},
+        {"another property", first, "WM_ICON_NAME", "two", 0},
+        {"another window's", second, "WM_NAME", "other", 0},
+    };
+    for (const auto& row : rows) {
+        titles = 0;
+        row.window.set(row.property, "STRING", row.text);
+        arrive();
+        waitUntil([] { return false; }, 100);
+        EXPECT_EQ(titles, row.changes) << row.what;
+    }
+    titles = 0;
+    first.set("_NET_WM_NAME", "STRING", "seen by a tick before it was told");
+    arrive();
+    EXPECT_EQ(frontTitle(), u"seen by a tick before it was told"_s);
+    EXPECT_EQ(titles, 0) << "inside of a tick";
+    waitUntil([] { return false; }, 100);
+    EXPECT_EQ(titles, 1);
+}
+
+TEST_F(X11DesktopTest, TakesAVanishedWindowForNothing) {
+    xcb_window_t gone = XCB_NONE;
+    {
+        const TestWindow window(*m_programs, QByteArray("a\0A\0", 4), "first");
+        gone = window.id();
+    }
+    nameActive({gone});
+    EXPECT_FALSE(m_desktop.frontmostApplication());
+    const TestWindow classless(*m_programs, "", "no class");
+    nameActive({classless.id()});
+    EXPECT_EQ(m_desktop.frontmostApplication()->processId, ::getpid());
+}
+
+TEST_F(X11DesktopTest, KnowsNoOtherProgramsWindowForItsOwnPanel) {
+    const TestWindow own(*m_programs, QByteArray("a\0A\0", 4), "own");
+    const test::Terminal other(u"Other"_s, u"other"_s);
+    const QString role = u"kestu-status-item"_s;
+    own.set("WM_WINDOW_ROLE", "STRING", role.toLatin1());
+    other.setProperty(u"WM_WINDOW_ROLE"_s, u"8s"_s, role);
+    ASSERT_TRUE(comesToFront(own, u"own"_s));
+    EXPECT_TRUE(m_desktop.frontmostApplication()->isOwnPanel);
+    other.activate();
+    ASSERT_TRUE(titleBecomes(u"other"_s));
+    EXPECT_FALSE(m_desktop.frontmostApplication()->isOwnPanel);
 }
 
 TEST(LinuxPlatformTest, GrantsTheTitlesOnX11Only) {
