@@ -16,6 +16,9 @@ namespace {
 /// How long SQLite waits for another process's write lock before a statement fails.
 constexpr int busyTimeoutMilliseconds = 3000;
 
+/// What `PRAGMA synchronous` says when each commit is synced (FULL).
+constexpr std::int64_t syncedLevel = 2;
+
 QString lastMessage(sqlite3* handle) {
     return handle ? QString::fromUtf8(sqlite3_errmsg(handle)) : QStringLiteral("unknown");
 }
@@ -161,6 +164,8 @@ void Database::openForWriting(const QString& path) {
         return;
     }
     useWriteAheadLog();
+    // What the user saves has to outlast a power cut, however SQLite was built.
+    executeScript(QStringLiteral("PRAGMA synchronous = FULL"));
     // Only now is it known to be a database. Later companions take the database file's mode.
     for (const auto suffix : {QStringView(), QStringView(u"-wal"), QStringView(u"-shm")}) {
         makeFilePrivate(path % suffix);
@@ -219,6 +224,20 @@ bool Database::hasMoved() const noexcept {
     int hasMoved = 0;
     sqlite3_file_control(m_handle.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
     return hasMoved != 0;
+}
+
+Database::UnsyncedWrites::UnsyncedWrites(Database& database) noexcept
+    : m_database(database)
+    , m_wasSynced(counter(database, QStringLiteral("PRAGMA synchronous")) == syncedLevel) {
+    if (m_wasSynced) {
+        sqlite3_exec(database.m_handle.get(), "PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr);
+    }
+}
+
+Database::UnsyncedWrites::~UnsyncedWrites() {
+    if (m_wasSynced) {
+        sqlite3_exec(m_database.m_handle.get(), "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
+    }
 }
 
 Database::Transaction::Transaction(Database& database)

@@ -110,6 +110,21 @@ public:
         }
     }
 
+    /// While one lives, this connection's commits are not synced to the disk: a killed process still loses
+    /// nothing, a power cut may take what was committed since the last synced commit, which saves what came
+    /// before it too. Made and ended outside of transactions. Where it fails, writes are only slower.
+    class UnsyncedWrites final {
+    public:
+        explicit UnsyncedWrites(Database& database) noexcept;
+        ~UnsyncedWrites();
+        UnsyncedWrites(const UnsyncedWrites&) = delete;
+        UnsyncedWrites& operator=(const UnsyncedWrites&) = delete;
+
+    private:
+        Database& m_database;
+        bool m_wasSynced;
+    };
+
     /// `PRAGMA user_version`; 0 on any failure.
     [[nodiscard]] std::int64_t userVersion() const noexcept;
 

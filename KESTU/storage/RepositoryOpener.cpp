@@ -75,7 +75,7 @@ std::unique_ptr<Repository> openRepository(const StoreLocation& location, Clock 
         backUpOlderFile(*database, path, onLongStep);
     }
     migrate(*database);
-    indexActivityLengths(*database, onLongStep);
+    tuneIndexes(*database, onLongStep);
     return std::make_unique<Repository>(std::move(database), std::move(clock));
 }
 
