@@ -131,7 +131,8 @@ public:
     /// `PRAGMA data_version`: changes when another connection has committed; 0 on any failure.
     [[nodiscard]] std::int64_t dataVersion() const noexcept;
 
-    /// The absolute path of the opened file; empty for one in memory.
+    /// The absolute path of the opened file, behind symbolic links, where its companions lie; empty for one
+    /// in memory.
     [[nodiscard]] QString path() const;
 
     /// Whether another file, or none, now lies at the path that was opened. SQLite itself goes on writing
@@ -152,8 +153,8 @@ private:
         bool m_committed = false;
     };
 
-    void openForReading(const QString& path);
-    void openForWriting(const QString& path);
+    void openForReading();
+    void openForWriting();
     void useWriteAheadLog();
     void forEachRow(const QString& sql, const SqlValues& arguments,
                     const std::function<void(const Row&)>& visit) const;

@@ -14,6 +14,8 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -173,7 +175,45 @@ TEST_F(Opening, GoesOnWithoutABackupForWhichThereIsNoRoomAndLeavesNoHalfOfOne) {
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &narrow), 0);
     EXPECT_EQ(open()->database().userVersion(), currentSchemaVersion);
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-    EXPECT_FALSE(QFileInfo::exists(backup(2)));
+    EXPECT_EQ(QDir(folder).entryList({u"*backup*"_s}).join(u' ').toStdString(), "");
+}
+
+TEST_F(Opening, ABackupThatWasCutOffNeverPassesForOne) {
+    startWithVersion(2, u"CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(70000000))"_s);
+    const QString unfinished = backup(2) + u".unfinished"_s;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        (void)open();
+        ::_exit(0);
+    }
+    while (!QFileInfo::exists(unfinished) && !QFileInfo::exists(backup(2)) &&
+           ::waitpid(child, nullptr, WNOHANG) == 0) {
+        ::usleep(500);
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    ASSERT_FALSE(QFileInfo::exists(backup(2)));
+    ASSERT_TRUE(QFileInfo::exists(unfinished));
+
+    (void)open();
+    EXPECT_EQ(dump(Database(backup(2)), u"PRAGMA integrity_check"_s), "ok");
+    EXPECT_EQ(dump(Database(backup(2)), u"SELECT LENGTH(x) FROM bulk"_s), "70000000");
+    EXPECT_EQ(modeOf(backup(2)), "600");
+    EXPECT_EQ(QDir(folder).entryList({u"*unfinished*"_s}).join(u' ').toStdString(), "");
+}
+
+TEST_F(Opening, ClosesTheCompanionsOfAFileBehindALinkToOthers) {
+    startWithVersion(3);
+    const auto other = open();
+    const QString link = temporary.filePath(u"link.sqlite"_s);
+    ASSERT_TRUE(QFile::link(path, link));
+    for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) {
+        ASSERT_EQ(::chmod(QFile::encodeName(path + suffix).constData(), 0644), 0);
+    }
+    const Database behindLink(link);
+    for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) {
+        EXPECT_EQ(modeOf(path + suffix), "600") << suffix.toStdString();
+    }
 }
 
 TEST_F(Opening, DoesWithoutTheIndexOfLongActivitiesWhereItCannotBeMade) {
