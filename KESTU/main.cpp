@@ -53,6 +53,20 @@ const Colors& wantedColors(const Appearance& appearance, const QPalette& desktop
     return colorsOf(desktopPalette);
 }
 
+/// The session's manager asks KESTU to end by the event behind quit(). Qt would first ask the windows, and
+/// one that refuses (without a tray, or while it is written in) would keep KESTU running until the display is
+/// taken away under it, with the row open.
+class EndsWhenAsked final : public QObject {
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() != QEvent::Quit) {
+            return false;
+        }
+        QCoreApplication::exit();
+        return true;
+    }
+};
+
 int record(QApplication& application, const SingleInstance& instance, std::unique_ptr<Repository> repository,
            const QPalette& desktopPalette, FirstView firstView) {
     const LinuxPlatformStart started = startLinuxPlatform();
@@ -76,6 +90,8 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
     // Not quit(), which asks the windows first: without a tray they refuse to close.
     QObject::connect(&signalsToEnd, &TerminationSignals::terminationRequested, &application,
                      [] { QCoreApplication::exit(); });
+    EndsWhenAsked endsWhenAsked;
+    application.installEventFilter(&endsWhenAsked);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &application, [&] { kestuApp.stop(); });
     QObject::connect(&instance, &SingleInstance::activationRequested, &shell, &Shell::showWindow);
     QTimer::singleShot(0, &application, [&] {

@@ -3,10 +3,12 @@
 // What the store costs after one year and after ten of full days. The files are made once, in a temporary
 // folder (about 1.5 GB), and removed at the end. The medians are what counts.
 #include "RecordedYears.h"
+#include "support/CountingVfs.h"
 
 #include <benchmark/benchmark.h>
 
 #include <map>
+#include <optional>
 
 namespace kestu {
 namespace {
@@ -41,14 +43,25 @@ void readDays(benchmark::State& state, RecordedFiles& files, int years, int days
     state.counters["bytes_a_day"] = file.bytesADay();
 }
 
-void writeTick(benchmark::State& state, RecordedFiles& files, int years) {
+enum class Sync { each, none };
+
+void writeTick(benchmark::State& state, RecordedFiles& files, int years, Sync sync) {
+    test::CountingVfs disk;
     const auto repository = fileOf(files, years).open();
     const Instant now = fileOf(files, years).midnight(-1);
     const ActivityId id = repository->insertActivity({}, now);
-    int tick = 0;
+    double tick = 0;
+    (void)disk.take();
     for ([[maybe_unused]] auto iteration : state) {
+        std::optional<Database::UnsyncedWrites> unsynced;
+        if (sync == Sync::none) {
+            unsynced.emplace(repository->database());
+        }
         repository->extendActivity(id, now + Seconds(++tick));
     }
+    const test::DiskCosts costs = disk.take();
+    state.counters["bytes"] = static_cast<double>(costs.bytes) / tick;
+    state.counters["syncs"] = static_cast<double>(costs.syncs) / tick;
     repository->deleteActivity(id);
 }
 
@@ -59,9 +72,11 @@ void openFile(benchmark::State& state, RecordedFiles& files, int years) {
     }
 }
 
-void openWithoutLengthIndex(benchmark::State& state, RecordedFiles& files, int years) {
+void openWithFormerIndexes(benchmark::State& state, RecordedFiles& files, int years) {
     const RecordedYears& file = fileOf(files, years);
-    file.open()->database().executeScript(u"DROP INDEX activity_length"_s);
+    file.open()->database().executeScript(u"DROP INDEX activity_end;"
+                                          "CREATE INDEX activity_end ON activity(end);"
+                                          "CREATE INDEX activity_length ON activity(end - start)"_s);
     for ([[maybe_unused]] auto iteration : state) {
         benchmark::DoNotOptimize(file.open());
     }
@@ -86,9 +101,10 @@ void registerAll(RecordedFiles& files) {
     add("day/10 years/10 years ago", 41,
         [&](State& state) { readDays(state, files, 10, nearlyTenYears, 1); });
     add("month/10 years/5 years ago", 21, [&](State& state) { readDays(state, files, 10, fiveYears, 30); });
-    add("tick/10 years", 101, [&](State& state) { writeTick(state, files, 10); });
+    add("tick/10 years/synced", 101, [&](State& state) { writeTick(state, files, 10, Sync::each); });
+    add("tick/10 years/unsynced", 101, [&](State& state) { writeTick(state, files, 10, Sync::none); });
     add("open/10 years", 21, [&](State& state) { openFile(state, files, 10); });
-    add("open/10 years/first time", 1, [&](State& state) { openWithoutLengthIndex(state, files, 10); });
+    add("open/10 years/first time", 1, [&](State& state) { openWithFormerIndexes(state, files, 10); });
 }
 
 } // namespace

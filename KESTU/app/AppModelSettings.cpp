@@ -30,6 +30,10 @@ constexpr int defaultIdleMinutes = 3;
 
 void AppModel::loadSettings() {
     const SettingsStore& store = m_platform.settingsStore();
+    const QString problem = store.problem(); // before the first setting is stored, which mends it
+    if (!problem.isEmpty()) {
+        setErrorMessage(problem);
+    }
     const int minutes = store.integer(key::idleMinutes).value_or(0);
     setIdleMinutes(minutes >= 1 ? minutes : defaultIdleMinutes);
     setLaunchAtLogin(m_platform.loginItem().isEnabled());

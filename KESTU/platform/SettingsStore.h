@@ -14,6 +14,9 @@ class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
 
+    /// What is wrong with the stored settings and what that means, for the user; empty when all is well.
+    [[nodiscard]] virtual QString problem() const { return {}; }
+
     [[nodiscard]] virtual std::optional<int> integer(const QString& key) const = 0;
     [[nodiscard]] virtual std::optional<bool> boolean(const QString& key) const = 0;
 

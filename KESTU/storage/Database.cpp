@@ -16,6 +16,9 @@ namespace {
 /// How long SQLite waits for another process's write lock before a statement fails.
 constexpr int busyTimeoutMilliseconds = 3000;
 
+/// What `PRAGMA synchronous` says when each commit is synced (FULL).
+constexpr std::int64_t syncedLevel = 2;
+
 QString lastMessage(sqlite3* handle) {
     return handle ? QString::fromUtf8(sqlite3_errmsg(handle)) : QStringLiteral("unknown");
 }
@@ -138,32 +141,34 @@ Database::Database(const QString& path, Access access) {
         throw openFailure(lastMessage(handle));
     }
     sqlite3_busy_timeout(handle, busyTimeoutMilliseconds);
-    access == Access::readOnly ? openForReading(path) : openForWriting(path);
+    access == Access::readOnly ? openForReading() : openForWriting();
 }
 
 /// Not SQLite's own read-only mode, which leaves companion files behind where nobody else has the file open.
-void Database::openForReading(const QString& path) {
+void Database::openForReading() {
     executeScript(QStringLiteral("PRAGMA query_only = ON"));
-    if (QFile::exists(path % u"-wal")) {
+    if (QFile::exists(path() % u"-wal")) {
         // A log that another process left or uses is for that one to write back.
         sqlite3_db_config(m_handle.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     }
 }
 
-void Database::openForWriting(const QString& path) {
+void Database::openForWriting() {
     // SQLite falls back to reading where it may not write. Capture drops failed writes, so a day would go
     // by unrecorded before anybody noticed.
     if (sqlite3_db_readonly(m_handle.get(), "main") == 1) {
         throw openFailure(QString::fromUtf8(sqlite3_errstr(SQLITE_READONLY)));
     }
     executeScript(QStringLiteral("PRAGMA foreign_keys = ON"));
-    if (path == u":memory:") {
-        return;
+    if (path().isEmpty()) {
+        return; // in memory
     }
     useWriteAheadLog();
+    // What the user saves has to outlast a power cut, however SQLite was built.
+    executeScript(QStringLiteral("PRAGMA synchronous = FULL"));
     // Only now is it known to be a database. Later companions take the database file's mode.
     for (const auto suffix : {QStringView(), QStringView(u"-wal"), QStringView(u"-shm")}) {
-        makeFilePrivate(path % suffix);
+        makeFilePrivate(path() % suffix);
     }
 }
 
@@ -223,6 +228,20 @@ bool Database::hasMoved() const noexcept {
     int hasMoved = 0;
     sqlite3_file_control(m_handle.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
     return hasMoved != 0;
+}
+
+Database::UnsyncedWrites::UnsyncedWrites(Database& database) noexcept
+    : m_database(database)
+    , m_wasSynced(counter(database, QStringLiteral("PRAGMA synchronous")) == syncedLevel) {
+    if (m_wasSynced) {
+        sqlite3_exec(database.m_handle.get(), "PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr);
+    }
+}
+
+Database::UnsyncedWrites::~UnsyncedWrites() {
+    if (m_wasSynced) {
+        sqlite3_exec(m_database.m_handle.get(), "PRAGMA synchronous = FULL", nullptr, nullptr, nullptr);
+    }
 }
 
 Database::Transaction::Transaction(Database& database)

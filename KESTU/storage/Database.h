@@ -113,13 +113,29 @@ public:
         }
     }
 
+    /// While one lives, this connection's commits are not synced to the disk: a killed process still loses
+    /// nothing, a power cut may take what was committed since the last synced commit, which saves what came
+    /// before it too. Made and ended outside of transactions. Where it fails, writes are only slower.
+    class UnsyncedWrites final {
+    public:
+        explicit UnsyncedWrites(Database& database) noexcept;
+        ~UnsyncedWrites();
+        UnsyncedWrites(const UnsyncedWrites&) = delete;
+        UnsyncedWrites& operator=(const UnsyncedWrites&) = delete;
+
+    private:
+        Database& m_database;
+        bool m_wasSynced;
+    };
+
     /// `PRAGMA user_version`; 0 on any failure.
     [[nodiscard]] std::int64_t userVersion() const noexcept;
 
     /// `PRAGMA data_version`: changes when another connection has committed; 0 on any failure.
     [[nodiscard]] std::int64_t dataVersion() const noexcept;
 
-    /// The absolute path of the opened file; empty for one in memory.
+    /// The absolute path of the opened file, behind symbolic links, where its companions lie; empty for one
+    /// in memory.
     [[nodiscard]] QString path() const;
 
     /// Whether another file, or none, now lies at the path that was opened. SQLite itself goes on writing
@@ -140,8 +156,8 @@ private:
         bool m_committed = false;
     };
 
-    void openForReading(const QString& path);
-    void openForWriting(const QString& path);
+    void openForReading();
+    void openForWriting();
     void useWriteAheadLog();
     void forEachRow(const QString& sql, const SqlValues& arguments,
                     const std::function<void(const Row&)>& visit) const;

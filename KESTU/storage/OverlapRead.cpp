@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/OverlapRead.h"
 
+#include "storage/Schema.h"
+
 #include <QStringBuilder>
 
 #include <limits>
@@ -17,38 +19,34 @@ WHERE a.end > ? AND a.start < ?
 GROUP BY a.id ORDER BY a.start)";
 
 // Nearly every activity is short, and short ones can only overlap the range when they start shortly before
-// its beginning or inside it. The few long ones are found by their length, wherever they start.
+// its beginning or inside it. The few long ones have an index of their own, wherever they start.
 //
 //   starts      . . . . . . . . |low . . . . . . |from . . . . . |to
 //   first half                  [---- all lengths --------------)
-//   second half (-- longer ----)
-constexpr QStringView overlapByIndex =
-    uR"(SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
+//   second half (-- long ------)
+QString overlapByIndex() {
+    constexpr QStringView columns =
+        uR"(SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
        a.is_manual, (SELECT GROUP_CONCAT(tag_id) FROM activity_tag WHERE activity_id = a.id)
-FROM activity a INDEXED BY activity_start
-WHERE a.start >= ?3 AND a.start < ?2 AND a.end > ?1
-UNION ALL
-SELECT a.id, a.start, a.end, a.bundle_id, a.app_name, a.title, a.url, a.domain, a.project_id,
-       a.is_manual, (SELECT GROUP_CONCAT(tag_id) FROM activity_tag WHERE activity_id = a.id)
-FROM activity a INDEXED BY activity_length
-WHERE a.end - a.start > ?4 AND a.start < ?3 AND a.start < ?2 AND a.end > ?1
-ORDER BY 2, 1)";
-
-/// Activities up to this length are found by their start. Recorded ones are hardly ever longer.
-constexpr double shortLength = 12.0 * 60.0 * 60.0;
-
-/// The `low` of overlapByIndex. An activity that starts before it and ends after `from` must count as
-/// longer than `shortLength`, in SQLite's rounded subtraction too. Rounding keeps order, so the activity's
-/// length is no less than `from - low`: that this is greater is all that there is to check. The check can
-/// fail only where doubles are coarser than a second; there every start is looked at.
-double lowestStartOfShort(double from) {
-    const double low = from - shortLength - 1.0;
-    return from - low > shortLength ? low : -std::numeric_limits<double>::infinity();
+FROM activity a INDEXED BY )";
+    // The condition of a partial index stands as the index has it, else SQLite does not use it.
+    return columns % u"activity_start\nWHERE a.start >= ?3 AND a.start < ?2 AND a.end > ?1\nUNION ALL\n" %
+           columns % u"activity_end\nWHERE " % isLongActivity %
+           u" AND a.start < ?3 AND a.start < ?2 AND a.end > ?1\nORDER BY 2, 1";
 }
 
-bool canRun(const Database& database, QStringView sql) {
+/// The `low` of overlapByIndex. An activity that starts before it and ends after `from` must count as long,
+/// in SQLite's rounded subtraction too. Rounding keeps order, so the activity's length is no less than
+/// `from - low`: that this is greater is all that there is to check. The check can fail only where doubles
+/// are coarser than a second; there every start is looked at.
+double lowestStartOfShort(double from) {
+    const double low = from - longActivity - 1.0;
+    return from - low > longActivity ? low : -std::numeric_limits<double>::infinity();
+}
+
+bool canRun(const Database& database, const QString& sql) {
     try {
-        (void)database.query(u"EXPLAIN " % sql.toString(), {}, [](const Row&) { return 0; });
+        (void)database.query(u"EXPLAIN " % sql, {}, [](const Row&) { return 0; });
         return true;
     } catch (const DatabaseError&) {
         return false; // the caller has a statement that needs less; what else is wrong, that one says
@@ -58,13 +56,17 @@ bool canRun(const Database& database, QStringView sql) {
 } // namespace
 
 OverlapRead::OverlapRead(const Database& database)
-    : m_isIndexed(canRun(database, overlapByIndex))
-    , m_sql((m_isIndexed ? overlapByIndex : overlapByScan).toString()) {}
+    : m_sql(overlapByIndex())
+    , m_isIndexed(canRun(database, m_sql)) {
+    if (!m_isIndexed) {
+        m_sql = overlapByScan.toString();
+    }
+}
 
 SqlValues OverlapRead::arguments(Instant from, Instant to) const {
     SqlValues values{epochSeconds(from), epochSeconds(to)};
     if (m_isIndexed) {
-        values.insert(values.end(), {lowestStartOfShort(epochSeconds(from)), shortLength});
+        values.emplace_back(lowestStartOfShort(epochSeconds(from)));
     }
     return values;
 }

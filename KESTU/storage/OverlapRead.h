@@ -20,8 +20,8 @@ public:
     [[nodiscard]] SqlValues arguments(Instant from, Instant to) const;
 
 private:
-    bool m_isIndexed;
     QString m_sql;
+    bool m_isIndexed;
 };
 
 } // namespace kestu

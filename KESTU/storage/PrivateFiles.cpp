@@ -3,7 +3,9 @@
 
 #include <QFile>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace kestu {
 namespace {
@@ -28,6 +30,16 @@ void makeFolderPrivate(const QString& path) {
 
 void makeFilePrivate(const QString& path) {
     closeToOthers(path, S_IRUSR | S_IWUSR);
+}
+
+bool syncToDisk(const QString& path) {
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return false;
+    }
+    const bool isSynced = ::fsync(file) == 0;
+    ::close(file);
+    return isSynced;
 }
 
 } // namespace kestu

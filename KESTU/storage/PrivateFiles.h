@@ -28,4 +28,8 @@ private:
 void makeFolderPrivate(const QString& path);
 void makeFilePrivate(const QString& path);
 
+/// Waits until the disk has what was written to an existing file, or the names in an existing folder. Not for
+/// files that SQLite has open. False when that cannot be.
+[[nodiscard]] bool syncToDisk(const QString& path);
+
 } // namespace kestu

@@ -47,6 +47,9 @@ public:
     /// For transactions that span several operations, and for the two counters.
     [[nodiscard]] Database& database() { return *m_database; }
 
+    /// For writes of which the latest may go with a power cut; see there.
+    [[nodiscard]] Database::UnsyncedWrites unsyncedWrites() { return Database::UnsyncedWrites(*m_database); }
+
     // Activities
 
     /// A new activity that begins and ends at `at`.

@@ -18,9 +18,18 @@ QString backupPath(const QString& databasePath, std::int64_t version) {
     return QFileInfo(databasePath).path() + QStringLiteral("/kestu-backup-v%1.sqlite").arg(version);
 }
 
+/// With the journal that SQLite keeps beside it and would apply to the next one.
+void removeUnfinished(const QString& path) {
+    QFile::remove(path);
+    QFile::remove(path % u"-journal");
+}
+
+/// Under another name until it is whole and on the disk: whatever has the backup's name is one.
 void writeBackup(Database& database, const QString& path, const std::function<void()>& onLongStep) {
     const PrivateCreation forTheOwner;
-    QString quoted = path;
+    const QString unfinished = path % u".unfinished";
+    removeUnfinished(unfinished); // of a start that was cut off
+    QString quoted = unfinished;
     quoted.replace(QStringLiteral("'"), QStringLiteral("''"));
     try {
         if (onLongStep && isLargeFile(database)) {
@@ -28,9 +37,12 @@ void writeBackup(Database& database, const QString& path, const std::function<vo
         }
         database.executeScript(u"VACUUM INTO '" % quoted % u"'");
     } catch (const DatabaseError&) {
-        // Without room for a copy the user still gets at the records. But half a copy must not pass for a
-        // backup; it is ours, as nothing lay at this path before.
-        QFile::remove(path);
+        // Without room for a copy the user still gets at the records.
+        removeUnfinished(unfinished);
+        return;
+    }
+    if (syncToDisk(unfinished) && QFile::rename(unfinished, path)) {
+        [[maybe_unused]] const bool isNameSynced = syncToDisk(QFileInfo(path).path());
     }
 }
 
@@ -75,7 +87,7 @@ std::unique_ptr<Repository> openRepository(const StoreLocation& location, Clock 
         backUpOlderFile(*database, path, onLongStep);
     }
     migrate(*database);
-    indexActivityLengths(*database, onLongStep);
+    tuneIndexes(*database, onLongStep);
     return std::make_unique<Repository>(std::move(database), std::move(clock));
 }
 

@@ -3,6 +3,8 @@
 
 #include "storage/Database.h"
 
+#include <QStringBuilder>
+
 #include <array>
 
 namespace kestu {
@@ -111,6 +113,15 @@ std::int64_t firstInteger(const Database& database, const QString& sql) {
     return database.query(sql, {}, [](const Row& row) { return row.integer(0); }).at(0);
 }
 
+/// `activity_length` comes back where an older KESTU has opened the file since.
+bool isTuned(const Database& database, const QString& longEnds) {
+    const auto found = database.query(
+        QStringLiteral("SELECT sql FROM sqlite_master WHERE type = 'index' AND name IN ('activity_end', "
+                       "'activity_length')"),
+        {}, [](const Row& row) { return row.text(0); });
+    return found == std::vector{longEnds};
+}
+
 } // namespace
 
 void migrate(Database& database) {
@@ -127,21 +138,25 @@ bool isLargeFile(const Database& database) {
            largeBytes;
 }
 
-void indexActivityLengths(Database& database, const std::function<void()>& onLongStep) {
+void tuneIndexes(Database& database, const std::function<void()>& onLongStep) {
     if (database.userVersion() != currentSchemaVersion) {
         return;
     }
+    const QString longEnds = u"CREATE INDEX activity_end ON activity(end) WHERE " % isLongActivity;
     try {
-        const QString present = QStringLiteral(
-            "SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND name = 'activity_length'");
-        if (firstInteger(database, present) != 0) {
+        if (isTuned(database, longEnds)) {
             return;
         }
         if (onLongStep && isLargeFile(database)) {
             onLongStep();
         }
-        database.executeScript(
-            QStringLiteral("CREATE INDEX IF NOT EXISTS activity_length ON activity(end - start)"));
+        database.transaction([&] {
+            if (!isTuned(database, longEnds)) { // another process may have been first
+                database.executeScript(u"DROP INDEX IF EXISTS activity_length;"
+                                       "DROP INDEX IF EXISTS activity_end;" %
+                                       longEnds);
+            }
+        });
     } catch (const DatabaseError&) {
         // A full disk or a lock held elsewhere must not keep the user from the records: reads do without
         // the index, and the next opening tries again. Damage is not hidden by this: without the index

@@ -375,10 +375,12 @@ TEST_F(AppModelTest, LoadsAndStoresSettingsAndAppliesThem) {
     EXPECT_TRUE(platform.fakeLoginItem.enabled);
 
     stored.refusal.clear();
+    stored.unreadable = u"設定を読めません"_s;
     stored.booleans[u"keepAliveEnabled"_s] = false;
     open().loadSettings();
     EXPECT_TRUE(model->launchAtLogin() && !model->keepAliveEnabled());
     EXPECT_EQ(model->idleMinutes(), 1);
+    EXPECT_EQ(told(), "設定を読めません");
 }
 
 } // namespace

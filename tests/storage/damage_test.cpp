@@ -57,11 +57,11 @@ TEST(DamagedStore, IsRefusedWithTheReasonAndLeftAsItWas) {
     EXPECT_FALSE(QFileInfo::exists(in(u"missing"_s)));
 }
 
-TEST(DamagedStore, ReportsABadPageWhetherOrNotTheLengthsAreIndexed) {
+TEST(DamagedStore, ReportsABadPageWithAndWithoutTheIndexOfLongActivities) {
     for (const bool isIndexed : {true, false}) {
         TemporaryStore store;
         store->extendActivity(store->insertActivity({}, instantAt(10)), instantAt(20));
-        store.execute(isIndexed ? QString() : u"DROP INDEX activity_length"_s);
+        store.execute(isIndexed ? QString() : u"DROP INDEX activity_end"_s);
         store.repository.reset();
         constexpr qsizetype activityTable = 4096; // the second page, as it was made first
         const QByteArray damaged = contentsOf(store.path).replace(activityTable, 64, QByteArray(64, '\xAA'));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/Database.h"
 
+#include "support/CountingVfs.h"
 #include "support/StoreProcess.h"
 #include "support/TemporaryStore.h"
 
@@ -112,6 +113,50 @@ TEST(Database, DataVersionTellsOthersCommitsFromOurOwn) {
         4,         CategoryKind::tag, u"会議"_s,   RuleField::title, RuleOperator::equals,
         u"定例"_s, u"毎週"_s,         instantAt(8)};
     EXPECT_EQ(store->suggestions(), std::vector{suggested});
+}
+
+/// Sixteen hours of windows, and one that is being recorded.
+ActivityId recordDay(Repository& repository) {
+    repository.database().transaction([&] {
+        for (int count = 0; count < 1500; ++count) {
+            repository.extendActivity(repository.insertActivity({}, instantAt(40 * count)),
+                                      instantAt(40 * count + 38));
+        }
+    });
+    return repository.insertActivity({}, instantAt(60000));
+}
+
+TEST(Database, ATickWritesOnePageAndOnlySavingWaitsForTheDisk) {
+    test::CountingVfs disk;
+    TemporaryStore store;
+    store.execute(u"PRAGMA synchronous = FULL"_s); // as the application leaves it
+    const ActivityId id = recordDay(*store.repository);
+    constexpr int ticks = 100;
+    (void)disk.take();
+    for (int tick = 1; tick <= ticks; ++tick) {
+        const auto unsynced = store->unsyncedWrites();
+        store->extendActivity(id, instantAt(60000 + 2 * tick));
+    }
+    const test::DiskCosts ticking = disk.take();
+    EXPECT_EQ(ticking.syncs, 0);
+    EXPECT_LE(ticking.bytes / ticks, 6000);
+    EXPECT_GT(ticking.bytes / ticks, 4000) << "nothing is counted";
+
+    store->saveDailyNote(u"2026-03-05"_s, u"要約"_s, u"user"_s);
+    EXPECT_EQ(disk.take().syncs, 1);
+    EXPECT_EQ(store.dump(u"PRAGMA synchronous"_s), "2");
+}
+
+TEST(Database, WritesAreSyncedAgainAfterAnUnsyncedOneThatFailed) {
+    const TemporaryStore store;
+    store.execute(u"PRAGMA synchronous = FULL"_s);
+    EXPECT_NE(failureOf([&] {
+                  const auto unsynced = store->unsyncedWrites();
+                  const auto again = store->unsyncedWrites();
+                  store.repository->database().transaction([] { throw DatabaseError(u"refused"_s); });
+              }),
+              "");
+    EXPECT_EQ(store.dump(u"PRAGMA synchronous"_s), "2");
 }
 
 } // namespace

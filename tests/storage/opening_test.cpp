@@ -14,6 +14,8 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -41,6 +43,10 @@ INSERT INTO rule VALUES (9, 5, 'title', 'prefix', 'kestu', 3);
 INSERT INTO activity VALUES (1, 10, 20, 'b', 'a', 't', NULL, NULL, 5);
 PRAGMA user_version = 1;
 )"_s;
+
+const QString indexesBesidesStarts =
+    u"SELECT sql FROM sqlite_master WHERE type = 'index' AND tbl_name = 'activity' AND name <> 'activity_start'"_s;
+constexpr auto* tunedEnds = "CREATE INDEX activity_end ON activity(end) WHERE end - start > 43200";
 
 /// The permission bits of `path`, in octal; empty when there is nothing.
 std::string modeOf(const QString& path) {
@@ -88,17 +94,19 @@ TEST_F(Opening, BringsEveryOlderFileToTheCurrentSchemaBacksItUpAndClosesItToOthe
         int version;
         const char* backup; // its mode, or none
         std::int64_t versionAfter;
-        const char* lengthIndexes;
-    } rows[] = {{0, "", 3, "1"}, {1, "600", 3, "1"}, {2, "600", 3, "1"}, {3, "", 3, "1"}, {4, "", 4, "0"}};
+        const char* indexOfEnds;
+    } rows[] = {{0, "", 3, tunedEnds},
+                {1, "600", 3, tunedEnds},
+                {2, "600", 3, tunedEnds},
+                {3, "", 3, tunedEnds},
+                {4, "", 4, "CREATE INDEX activity_end ON activity(end)"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.version);
         startWithVersion(row.version);
         const auto repository = open([] { ADD_FAILURE() << "a small file takes no time"; });
 
         EXPECT_EQ(repository->database().userVersion(), row.versionAfter);
-        EXPECT_EQ(dump(repository->database(),
-                       u"SELECT COUNT(*) FROM sqlite_master WHERE name = 'activity_length'"_s),
-                  row.lengthIndexes);
+        EXPECT_EQ(dump(repository->database(), indexesBesidesStarts), row.indexOfEnds);
         EXPECT_EQ(modeOf(backup(row.version)), row.backup);
         EXPECT_EQ(QDir(folder).entryList({u"*backup*"_s}).size(), *row.backup == '\0' ? 0 : 1);
         EXPECT_EQ(modeOf(folder), "700");
@@ -114,10 +122,21 @@ TEST_F(Opening, BringsEveryOlderFileToTheCurrentSchemaBacksItUpAndClosesItToOthe
     }
 }
 
-TEST_F(Opening, ShippedSchemaIsNeverEdited) {
-    const std::string schema = dump(
-        open()->database(),
-        u"SELECT sql FROM sqlite_master WHERE sql IS NOT NULL AND name <> 'activity_length' ORDER BY name"_s);
+TEST_F(Opening, ReplacesTheIndexesOfAFileThatAnOlderKestuHadAgain) {
+    startWithVersion(3, u"CREATE INDEX activity_length ON activity(end - start);"_s);
+    for (int opening = 0; opening < 2; ++opening) {
+        EXPECT_EQ(dump(open()->database(), indexesBesidesStarts), tunedEnds);
+        // As it opens this file now: it looks for its own index only.
+        Database(path).executeScript(
+            u"CREATE INDEX IF NOT EXISTS activity_length ON activity(end - start)"_s);
+    }
+}
+
+TEST(Schema, ThatHasShippedIsNeverEdited) {
+    Database database(u":memory:"_s);
+    migrate(database);
+    const std::string schema =
+        dump(database, u"SELECT sql FROM sqlite_master WHERE sql IS NOT NULL ORDER BY name"_s);
     EXPECT_EQ(QCryptographicHash::hash(QByteArray::fromStdString(schema), QCryptographicHash::Sha256).toHex(),
               "c2519fe1b3271a109150ba8c8161b4ee402a37cb9bd2457c476fbe94c032e81b")
         << schema;
@@ -156,12 +175,55 @@ TEST_F(Opening, GoesOnWithoutABackupForWhichThereIsNoRoomAndLeavesNoHalfOfOne) {
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &narrow), 0);
     EXPECT_EQ(open()->database().userVersion(), currentSchemaVersion);
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-    EXPECT_FALSE(QFileInfo::exists(backup(2)));
+    EXPECT_EQ(QDir(folder).entryList({u"*backup*"_s}).join(u' ').toStdString(), "");
 }
 
-TEST_F(Opening, DoesWithoutTheLengthIndexWhereItCannotBeMade) {
-    startWithVersion(3, u"CREATE TABLE activity_length (x)"_s);
-    EXPECT_EQ(open()->activitiesOverlapping(instantAt(0), instantAt(30)).size(), 1U);
+TEST_F(Opening, ABackupThatWasCutOffNeverPassesForOne) {
+    startWithVersion(2, u"CREATE TABLE bulk (x); INSERT INTO bulk VALUES (zeroblob(70000000))"_s);
+    const QString unfinished = backup(2) + u".unfinished"_s;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        (void)open();
+        ::_exit(0);
+    }
+    while (!QFileInfo::exists(unfinished) && !QFileInfo::exists(backup(2)) &&
+           ::waitpid(child, nullptr, WNOHANG) == 0) {
+        ::usleep(500);
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    ASSERT_FALSE(QFileInfo::exists(backup(2)));
+    ASSERT_TRUE(QFileInfo::exists(unfinished));
+
+    (void)open();
+    EXPECT_EQ(dump(Database(backup(2)), u"PRAGMA integrity_check"_s), "ok");
+    EXPECT_EQ(dump(Database(backup(2)), u"SELECT LENGTH(x) FROM bulk"_s), "70000000");
+    EXPECT_EQ(modeOf(backup(2)), "600");
+    EXPECT_EQ(QDir(folder).entryList({u"*unfinished*"_s}).join(u' ').toStdString(), "");
+}
+
+TEST_F(Opening, ClosesTheCompanionsOfAFileBehindALinkToOthers) {
+    startWithVersion(3);
+    const auto other = open();
+    const QString link = temporary.filePath(u"link.sqlite"_s);
+    ASSERT_TRUE(QFile::link(path, link));
+    for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) {
+        ASSERT_EQ(::chmod(QFile::encodeName(path + suffix).constData(), 0644), 0);
+    }
+    const Database behindLink(link);
+    for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) {
+        EXPECT_EQ(modeOf(path + suffix), "600") << suffix.toStdString();
+    }
+}
+
+TEST_F(Opening, DoesWithoutTheIndexOfLongActivitiesWhereItCannotBeMade) {
+    startWithVersion(3, u"DROP INDEX activity_end; CREATE TABLE activity_end (x);"
+                        "CREATE INDEX activity_length ON activity(end - start)"_s);
+    const auto repository = open();
+    EXPECT_EQ(repository->activitiesOverlapping(instantAt(0), instantAt(30)).size(), 1U);
+    EXPECT_EQ(dump(repository->database(), indexesBesidesStarts),
+              "CREATE INDEX activity_length ON activity(end - start)")
+        << "all or nothing";
 }
 
 TEST_F(Opening, AnExplicitPathGetsNoBackup) {

@@ -92,6 +92,9 @@ struct FakeSettings final : SettingsStore {
     QMap<QString, bool> booleans;
     QMap<QString, QMap<QString, QString>> dictionaries;
     QString refusal;
+    QString unreadable;
+
+    [[nodiscard]] QString problem() const override { return unreadable; }
 
     [[nodiscard]] std::optional<int> integer(const QString& key) const override {
         return stored(integers, key);

@@ -17,6 +17,7 @@ void say(const std::string& line) {
 [[noreturn]] void record(Repository& repository) {
     const ActivityId id = repository.insertActivity({}, instantAt(0));
     for (long end = 1;; ++end) {
+        const auto unsynced = repository.unsyncedWrites();
         repository.extendActivity(id, instantAt(static_cast<double>(end)));
         say(std::to_string(end));
     }

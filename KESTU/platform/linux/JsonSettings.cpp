@@ -24,10 +24,6 @@ std::optional<QJsonObject> readSettings(const QString& path) {
     return document.isObject() ? std::optional(document.object()) : std::nullopt;
 }
 
-QJsonValue settingIn(const QString& path, const QString& key) {
-    return readSettings(path).value_or(QJsonObject()).value(key);
-}
-
 QString saveFailure() {
     return QStringLiteral("設定を保存できませんでした");
 }
@@ -37,8 +33,53 @@ QString saveFailure() {
 JsonSettings::JsonSettings(QString path)
     : m_path(std::move(path)) {}
 
+JsonSettings::State JsonSettings::read() const {
+    if (const auto settings = readSettings(m_path)) {
+        if (!settings->isEmpty()) {
+            rememberAsGood(*settings);
+        }
+        return {.settings = *settings};
+    }
+    const auto lastGood = QFileInfo::exists(m_lastGoodPath) ? readSettings(m_lastGoodPath) : std::nullopt;
+    return {.settings = lastGood.value_or(QJsonObject()), .isUnreadable = true, .isLost = !lastGood};
+}
+
+QJsonValue JsonSettings::setting(const QString& key) const {
+    return read().settings.value(key);
+}
+
+QString JsonSettings::problem() const {
+    const State state = read();
+    if (!state.isUnreadable) {
+        return {};
+    }
+    const QString consequence =
+        state.isLost ? QStringLiteral("控えも読み込めないため、初期設定に戻ります。「記録しないアプリ」を設定"
+                                      "し直してください。")
+                     : QStringLiteral("最後に読み込めた設定で続けます。");
+    return QStringLiteral(
+               "設定ファイルを読み込めませんでした。%1元のファイルは、名前に「.unreadable」を付けて"
+               "同じフォルダーに残します：%2")
+        .arg(consequence, m_path);
+}
+
+void JsonSettings::rememberAsGood(const QJsonObject& settings) const {
+    if (!m_lastGood) {
+        m_lastGood = readSettings(m_lastGoodPath);
+    }
+    if (m_lastGood == settings) {
+        return;
+    }
+    try {
+        replaceUserFile(m_lastGoodPath, QJsonDocument(settings).toJson(), saveFailure());
+        m_lastGood = settings;
+    } catch (const PlatformError&) {
+        // The settings themselves are well; the next reading tries again.
+    }
+}
+
 std::optional<int> JsonSettings::integer(const QString& key) const {
-    const QJsonValue value = settingIn(m_path, key);
+    const QJsonValue value = setting(key);
     const double number = value.toDouble();
     if (!value.isDouble() || number != std::trunc(number) || number < std::numeric_limits<int>::min() ||
         number > std::numeric_limits<int>::max()) {
@@ -48,12 +89,12 @@ std::optional<int> JsonSettings::integer(const QString& key) const {
 }
 
 std::optional<bool> JsonSettings::boolean(const QString& key) const {
-    const QJsonValue value = settingIn(m_path, key);
+    const QJsonValue value = setting(key);
     return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 
 std::optional<QMap<QString, QString>> JsonSettings::dictionary(const QString& key) const {
-    const QJsonValue value = settingIn(m_path, key);
+    const QJsonValue value = setting(key);
     if (!value.isObject()) {
         return std::nullopt;
     }
@@ -84,20 +125,21 @@ void JsonSettings::setDictionary(const QString& key, const QMap<QString, QString
 }
 
 void JsonSettings::store(const QString& key, const QJsonValue& value) {
-    auto settings = readSettings(m_path);
-    if (!settings) {
-        keepUnreadableAside();
-        settings.emplace();
-    }
+    State state = read();
     // Each setting is stored again at every start; only a change is worth a write to the disk.
-    if (settings->value(key) == value) {
+    if (!state.isUnreadable && state.settings.value(key) == value) {
         return;
     }
-    settings->insert(key, value);
-    replaceUserFile(m_path, QJsonDocument(*settings).toJson(), saveFailure());
+    state.settings.insert(key, value);
+    if (state.isUnreadable) {
+        replaceUnreadable(state.settings);
+    } else {
+        replaceUserFile(m_path, QJsonDocument(state.settings).toJson(), saveFailure());
+    }
+    rememberAsGood(state.settings);
 }
 
-void JsonSettings::keepUnreadableAside() const {
+void JsonSettings::replaceUnreadable(const QJsonObject& settings) const {
     QString aside = m_path + QStringLiteral(".unreadable");
     for (int number = 2; QFileInfo::exists(aside) || QFileInfo(aside).isSymLink(); ++number) {
         aside = QStringLiteral("%1.unreadable.%2").arg(m_path).arg(number);
@@ -105,6 +147,12 @@ void JsonSettings::keepUnreadableAside() const {
     QFile file(m_path);
     if (!file.rename(aside)) {
         throw PlatformError(saveFailure() + QStringLiteral("：") + file.errorString());
+    }
+    try {
+        replaceUserFile(m_path, QJsonDocument(settings).toJson(), saveFailure());
+    } catch (const PlatformError&) {
+        file.rename(m_path); // no file at all would read as no settings
+        throw;
     }
 }
 

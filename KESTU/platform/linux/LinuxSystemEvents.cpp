@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/LinuxSystemEvents.h"
 
+#include <QScopedValueRollback>
+
 namespace kestu {
 
 LinuxSystemEvents::LinuxSystemEvents(const QDBusConnection& systemBus, const QDBusConnection& sessionBus,
@@ -23,6 +25,14 @@ LinuxSystemEvents::LinuxSystemEvents(const QDBusConnection& systemBus, const QDB
     noteDisplays(displays);
 }
 
+bool LinuxSystemEvents::isHeldNow() {
+    const QScopedValueRollback asking(m_isAsking, true);
+    m_loginManager.ask();
+    m_screenSavers.ask();
+    noteDisplays(m_displayPower.state());
+    return isHeld();
+}
+
 void LinuxSystemEvents::noteSleep() {
     note(HoldReason::asleep, m_loginManager.isAsleep());
 }
@@ -36,7 +46,8 @@ void LinuxSystemEvents::noteDisplays(DisplayPower::State state) {
 }
 
 void LinuxSystemEvents::note(HoldReason reason, bool holds) {
-    if (const SystemSignal signal = holds ? m_hold.begin(reason) : m_hold.end(reason)) {
+    const SystemSignal signal = holds ? m_hold.begin(reason) : m_hold.end(reason);
+    if (signal && !m_isAsking) {
         Q_EMIT(this->*signal)();
     }
 }

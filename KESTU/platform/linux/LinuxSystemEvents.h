@@ -30,7 +30,8 @@ public:
     /// what is in front asks this first, for a session that was locked before KESTU started.
     [[nodiscard]] bool isHeld() const { return m_hold.isHeld(); }
 
-    [[nodiscard]] bool isHeldNow() override { return isHeld(); }
+    /// What this finds is in its answer and not told as an event too.
+    [[nodiscard]] bool isHeldNow() override;
 
     /// Another window came to the front.
     void noteActivation() { Q_EMIT applicationActivated(); }
@@ -49,6 +50,7 @@ private:
     ScreenSavers m_screenSavers;
     QTimer m_displayTimer;
     RecordingHold m_hold;
+    bool m_isAsking = false;
 };
 
 } // namespace kestu

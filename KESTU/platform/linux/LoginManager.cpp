@@ -4,7 +4,8 @@
 #include "platform/linux/Bus.h"
 
 #include <QDBusObjectPath>
-#include <QTimer>
+
+#include <algorithm>
 
 namespace kestu {
 
@@ -30,33 +31,38 @@ BusMethod managerMethod(const QString& method) {
 LoginManager::LoginManager(const QDBusConnection& systemBus, std::chrono::milliseconds patience)
     : m_bus(systemBus)
     , m_watcher(service, systemBus, QDBusServiceWatcher::WatchForOwnerChange)
-    , m_patience(patience) {
+    , m_patience(patience)
+    , m_pause(patience) {
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& newOwner) { onOwnerChanged(newOwner); });
     m_bus.connect(service, managerPath, managerInterface, QStringLiteral("PrepareForSleep"), this,
                   SLOT(onPrepareForSleep(bool)));
-    readState();
-    if (m_session.isEmpty()) {
-        readStateLater();
-    }
+    m_nextQuestion.setSingleShot(true);
+    connect(&m_nextQuestion, &QTimer::timeout, this,
+            [this] { readState(m_isGone ? Silence::meansNo : Silence::saysNothing); });
+    ask();
+}
+
+void LoginManager::ask() {
+    readState(Silence::meansNo);
 }
 
 void LoginManager::onOwnerChanged(const QString& newOwner) {
-    if (!newOwner.isEmpty()) {
-        readState();
-    } else {
+    m_inhibitor = {}; // it was the former one's
+    m_pause = m_patience;
+    m_isGone = newOwner.isEmpty();
+    if (m_isGone) {
         // It restarts during updates and knows the lock afterwards: only one that stays away is forgotten,
         // else a locked screen would be recorded for that moment.
-        readStateLater();
+        askAgain();
+    } else {
+        ask();
     }
 }
 
-void LoginManager::readStateLater() {
-    QTimer::singleShot(m_patience, this, &LoginManager::readState);
-}
-
-/// What cannot be read counts as no: a machine that is held back forever records nothing at all.
-void LoginManager::readState() {
+/// A machine that is held back forever records nothing at all: where silence means no, what cannot be read
+/// counts as no. One that is only slow may have told by an event meanwhile.
+void LoginManager::readState(Silence silence) {
     const QDeadlineTimer deadline(answerBound);
     followSession(ownSession(deadline));
     const auto preparing = busProperty(m_bus, service, managerPath, managerInterface,
@@ -64,8 +70,24 @@ void LoginManager::readState() {
     const auto locked = m_session.isEmpty()
                             ? std::nullopt
                             : busProperty(m_bus, service, m_session, sessionInterface, lockedHint, deadline);
-    setLocked(locked && locked->toBool());
-    onPrepareForSleep(preparing && preparing->toBool());
+    if (locked || silence == Silence::meansNo) {
+        setLocked(locked && locked->toBool());
+    }
+    if (preparing || silence == Silence::meansNo) {
+        onPrepareForSleep(preparing && preparing->toBool());
+    }
+    if (preparing && locked) {
+        m_nextQuestion.stop();
+        m_pause = m_patience;
+    } else if (m_bus.isConnected()) {
+        askAgain();
+    }
+}
+
+void LoginManager::askAgain() {
+    constexpr std::chrono::milliseconds longestPause = 5min;
+    m_nextQuestion.start(m_pause);
+    m_pause = std::min(2 * m_pause, longestPause);
 }
 
 /// A program started by the user's service manager belongs to no session of its own; "auto" is then the
@@ -105,7 +127,7 @@ void LoginManager::onPrepareForSleep(bool starting) {
     setAsleep(starting);
     if (starting) {
         m_inhibitor = {}; // everyone has heard it: the machine may sleep now
-    } else {
+    } else if (!m_inhibitor.isValid()) {
         takeInhibitor();
     }
 }

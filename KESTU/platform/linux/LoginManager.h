@@ -12,6 +12,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QVariantMap>
 
 #include <chrono>
@@ -23,9 +24,14 @@ class LoginManager final : public QObject {
 
 public:
     /// Reads the present state, which takes 0.15 seconds at most. `patience` is how long a login manager that
-    /// went away, or was not ready yet, is given before it is looked at again.
+    /// went away, or was not ready yet, is given before it is asked again; each time twice as long, up to
+    /// five minutes, until it answers.
     explicit LoginManager(const QDBusConnection& systemBus,
                           std::chrono::milliseconds patience = std::chrono::seconds(5));
+
+    /// Reads the present state again, in 0.15 seconds at most. What is not answered in time counts as no
+    /// until it is.
+    void ask();
 
     [[nodiscard]] bool isAsleep() const { return m_asleep; }
     [[nodiscard]] bool isLocked() const { return m_locked; }
@@ -41,8 +47,9 @@ private Q_SLOTS:
 
 private:
     void onOwnerChanged(const QString& newOwner);
-    void readState();
-    void readStateLater();
+    enum class Silence { meansNo, saysNothing };
+    void readState(Silence silence);
+    void askAgain();
     void followSession(const QString& path);
     [[nodiscard]] QString ownSession(const QDeadlineTimer& deadline) const;
     void takeInhibitor();
@@ -52,8 +59,11 @@ private:
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     std::chrono::milliseconds m_patience;
+    std::chrono::milliseconds m_pause; // before the next question
+    QTimer m_nextQuestion;
     QString m_session;                   // object path; empty while unknown
     QDBusUnixFileDescriptor m_inhibitor; // the machine does not sleep while this is open
+    bool m_isGone = false;               // nobody has the service's name any more
     bool m_asleep = false;
     bool m_locked = false;
 };

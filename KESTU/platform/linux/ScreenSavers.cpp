@@ -48,15 +48,22 @@ ScreenSavers::ScreenSavers(const QDBusConnection& sessionBus)
             [this](const QString& service, const QString&, const QString& newOwner) {
                 onOwnerChanged(service, newOwner);
             });
-    const QDeadlineTimer deadline(answerBound);
     for (const QStringView name : saverServices) {
         const QString service = name.toString();
         m_watcher.addWatchedService(service);
         m_bus.connect(service, pathOf(service), service, QStringLiteral("ActiveChanged"), this,
                       SLOT(onActiveChanged(bool, QDBusMessage)));
-        if (const auto reply = callBus(m_bus, getActive(service), {}, deadline)) {
-            setActive(service, saysActive(*reply));
-        } else {
+    }
+    ask();
+}
+
+void ScreenSavers::ask() {
+    const QDeadlineTimer deadline(answerBound);
+    for (const QStringView name : saverServices) {
+        const QString service = name.toString();
+        const auto reply = callBus(m_bus, getActive(service), {}, deadline);
+        setActive(service, reply && saysActive(*reply));
+        if (!reply) {
             askLater(service); // the desktop may still be starting, or another saver took all the time
         }
     }

@@ -20,6 +20,9 @@ public:
     /// Asks the savers that run, which takes 0.15 seconds at most; later answers are still heard.
     explicit ScreenSavers(const QDBusConnection& sessionBus);
 
+    /// Asks them again, as at the start. One that does not answer in time counts as not active until it does.
+    void ask();
+
     [[nodiscard]] bool isActive() const { return !m_active.isEmpty(); }
 
 Q_SIGNALS:

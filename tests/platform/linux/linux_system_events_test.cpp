@@ -102,6 +102,36 @@ TEST_F(LinuxSystemEventsTest, EveryBeginIsToldAndOnlyTheEndThatLeavesNoOtherReas
     EXPECT_FALSE(events.isHeld());
 }
 
+TEST_F(LinuxSystemEventsTest, AsksHowThingsStandAndBelievesTheAnswerMoreThanWhatItHeard) {
+    startServices();
+    LinuxSystemEvents events(m_connection, m_connection, m_displays, 1h);
+    listenTo(events);
+    m_login.announceSleep(true);
+    expectToHear({u"sleep"_s});
+    EXPECT_TRUE(events.isHeld());
+    EXPECT_FALSE(events.isHeldNow()) << "a wake that nobody announced";
+    EXPECT_FALSE(events.isHeld());
+    m_login.announceSleep(true);
+    m_login.announceSleep(false);
+    expectToHear({u"sleep"_s, u"wake"_s});
+
+    const auto setSaverQuietly = [&](const QString& isActive) {
+        m_saver.answer(saver, u"GetActive"_s, u"b"_s, u"ret = "_s + isActive);
+    };
+    setSaverQuietly(u"True"_s);
+    EXPECT_TRUE(events.isHeldNow()) << "a lock that nobody announced";
+    expectToHear({});
+    m_saver.announce(saver, u"ActiveChanged"_s, false);
+    expectToHear({u"unlock"_s});
+
+    setSaverQuietly(u"False"_s);
+    m_displays.now = State::asleep;
+    EXPECT_TRUE(events.isHeldNow());
+    m_displays.now = State::on;
+    EXPECT_FALSE(events.isHeldNow());
+    expectToHear({});
+}
+
 TEST_F(LinuxSystemEventsTest, PollsTheDisplaysOnlyWhereTheyCanBeKnown) {
     const LinuxSystemEvents blind(m_nowhere, m_nowhere, m_displays, 1ms);
     m_displays.now = State::asleep;
@@ -131,9 +161,11 @@ TEST_F(LinuxSystemEventsTest, StartsInTimeWhateverIsMissingOrHangs) {
     for (const auto& [name, bus] : desks) {
         QElapsedTimer timer;
         timer.start();
-        const LinuxSystemEvents events(bus, bus, m_displays);
-        EXPECT_LT(timer.elapsed(), 450) << name << ": the start may wait 0.3 seconds";
+        LinuxSystemEvents events(bus, bus, m_displays);
+        EXPECT_LT(timer.restart(), 450) << name << ": the start may wait 0.3 seconds";
         EXPECT_FALSE(events.isHeld()) << name;
+        EXPECT_FALSE(events.isHeldNow()) << name;
+        EXPECT_LT(timer.elapsed(), 450) << name << ": so may each question";
     }
 }
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/LoginManager.h"
 
+#include "support/Files.h"
 #include "support/MockLogin.h"
 
 #include <QDBusArgument>
 #include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
 
@@ -110,12 +112,47 @@ TEST_F(LoginManagerTest, FindsALoginManagerThatComesBack) {
     EXPECT_TRUE(inhibitorsBecome(ours));
 }
 
+TEST_F(LoginManagerTest, FindsOneThatStartsAfterKestu) {
+    m_login.manager().sendSignal(SIGKILL);
+    const LoginManager manager(m_bus.connect(), 300ms);
+    m_login.start(); // its session comes after its name
+    m_login.setLocked(u"auto"_s, true);
+    EXPECT_TRUE(waitUntil([&] { return manager.isLocked(); }));
+    EXPECT_TRUE(inhibitorsBecome(ours));
+}
+
 TEST_F(LoginManagerTest, ForgetsTheLockOfALoginManagerThatStaysAway) {
     m_login.setLocked(u"auto"_s, true);
     LoginManager manager(m_bus.connect(), 400ms);
     m_login.manager().sendSignal(SIGKILL);
     EXPECT_FALSE(waitUntil([&] { return !manager.isLocked(); }, 100)) << "it may be restarting";
     EXPECT_TRUE(waitUntil([&] { return !manager.isLocked(); }));
+}
+
+TEST_F(LoginManagerTest, AsksWithGrowingPausesUntilOneThatIsSlowAtLoginAnswers) {
+    m_login.setLocked(u"auto"_s, true);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"questions"_s);
+    m_login.manager().answer(managerInterface, u"GetSession"_s, u"o"_s, uR"(import time
+with open('%1', 'a') as questions:
+    questions.write('%f\n' % time.monotonic())
+with open('%1') as questions:
+    if len(questions.readlines()) < 5:
+        raise dbus.exceptions.DBusException('no session yet')
+ret = '/org/freedesktop/login1/session/auto')"_s.arg(path),
+                             u"s"_s);
+    const LoginManager manager(m_bus.connect(), 100ms);
+    EXPECT_TRUE(waitUntil([&] { return manager.isLocked(); }));
+    waitUntil([] { return false; }, 300); // it has answered: no more questions
+
+    std::vector<double> times;
+    for (const QByteArray& line : test::contentsOf(path).trimmed().split('\n')) {
+        times.push_back(line.toDouble());
+    }
+    ASSERT_EQ(times.size(), 5U);
+    for (std::size_t question = 1; question < times.size(); ++question) {
+        EXPECT_GT(times[question] - times[question - 1], 0.09 * (1 << (question - 1)));
+    }
 }
 
 TEST_F(LoginManagerTest, WaitsBrieflyForOneThatHangsAndAsksItAgain) {
@@ -128,6 +165,7 @@ TEST_F(LoginManagerTest, WaitsBrieflyForOneThatHangsAndAsksItAgain) {
     EXPECT_LT(timer.elapsed(), 300) << "the answer may take 0.15 seconds";
     EXPECT_FALSE(manager.isLocked());
 
+    waitUntil([] { return false; }, 400); // it is asked once more in vain
     m_login.manager().sendSignal(SIGCONT);
     EXPECT_TRUE(waitUntil([&] { return manager.isLocked(); }));
 }
