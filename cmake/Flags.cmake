@@ -5,8 +5,8 @@ add_library(kestu_flags INTERFACE)
 target_compile_features(kestu_flags INTERFACE cxx_std_20)
 target_include_directories(kestu_flags INTERFACE ${PROJECT_SOURCE_DIR}/KESTU)
 target_compile_options(kestu_flags INTERFACE
-    -Werror -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
-    -Woverloaded-virtual -fstack-protector-strong -D_GLIBCXX_ASSERTIONS)
+    $<$<BOOL:${KESTU_WERROR}>:-Werror> -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -fstack-protector-strong -D_GLIBCXX_ASSERTIONS)
 target_compile_definitions(kestu_flags INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_NO_URL_CAST_FROM_STRING KESTU_VERSION="${PROJECT_VERSION}")

@@ -20,7 +20,7 @@ std::int64_t flooredDivision(std::int64_t value, std::int64_t divisor) {
 }
 
 std::int64_t offsetFromUtc(const QTimeZone& zone, std::int64_t second) {
-    return zone.offsetFromUtc(QDateTime::fromSecsSinceEpoch(second, Qt::UTC));
+    return QDateTime::fromSecsSinceEpoch(second, zone).offsetFromUtc();
 }
 
 /// The first second whose local date is `day`, or a later one where the zone left the day out. Searched for,

@@ -82,13 +82,16 @@ std::optional<Accessible> AccessibilityBus::program(std::int64_t processId, cons
 }
 
 QList<Accessible> AccessibilityBus::programs(const QDeadlineTimer& deadline) {
-    const QDBusMessage reply = ask(accessible::childrenQuestion(accessible::registryRoot()), deadline);
+    const QList<QDBusMessage> replies = askAll(
+        {accessible::childrenQuestion(accessible::registryRoot()), accessible::registryOwnerQuestion()},
+        deadline);
     // The registry starts with the first program and may start again; each one has to be told once.
-    if (reply.type() == QDBusMessage::ReplyMessage && reply.service() != m_listeningRegistry &&
+    const QString registry = accessible::readOwner(replies.last());
+    if (!registry.isEmpty() && registry != m_listeningRegistry &&
         ask(accessible::listenForActivation(), deadline).type() == QDBusMessage::ReplyMessage) {
-        m_listeningRegistry = reply.service();
+        m_listeningRegistry = registry;
     }
-    return accessible::readAccessibles(reply);
+    return accessible::readAccessibles(replies.first());
 }
 
 QList<QDBusMessage> AccessibilityBus::askAll(const QList<QDBusMessage>& questions,

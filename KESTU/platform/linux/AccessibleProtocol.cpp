@@ -76,6 +76,15 @@ QDBusMessage objectQuestion(const Accessible& object, const QString& method) {
                      .method = method});
 }
 
+/// For the bus itself.
+QDBusMessage busQuestion(const QString& method, const QString& service) {
+    return question({.service = QStringLiteral("org.freedesktop.DBus"),
+                     .path = QStringLiteral("/org/freedesktop/DBus"),
+                     .interface = QStringLiteral("org.freedesktop.DBus"),
+                     .method = method},
+                    {service});
+}
+
 bool isReply(const QDBusMessage& message, QStringView signature) {
     return message.type() == QDBusMessage::ReplyMessage && message.signature() == signature;
 }
@@ -95,12 +104,12 @@ QDBusMessage listenForActivation() {
                     {QStringLiteral("window:activate"), QStringList(), QString()});
 }
 
+QDBusMessage registryOwnerQuestion() {
+    return busQuestion(QStringLiteral("GetNameOwner"), registryRoot().service);
+}
+
 QDBusMessage processIdQuestion(const QString& service) {
-    return question({.service = QStringLiteral("org.freedesktop.DBus"),
-                     .path = QStringLiteral("/org/freedesktop/DBus"),
-                     .interface = QStringLiteral("org.freedesktop.DBus"),
-                     .method = QStringLiteral("GetConnectionUnixProcessID")},
-                    {service});
+    return busQuestion(QStringLiteral("GetConnectionUnixProcessID"), service);
 }
 
 QDBusMessage childrenQuestion(const Accessible& object) {
@@ -135,6 +144,10 @@ QDBusMessage documentAttributesQuestion(const Accessible& document) {
                      .path = document.path,
                      .interface = QStringLiteral("org.a11y.atspi.Document"),
                      .method = QStringLiteral("GetAttributes")});
+}
+
+QString readOwner(const QDBusMessage& reply) {
+    return isReply(reply, u"s") ? reply.arguments().first().toString() : QString();
 }
 
 std::optional<std::int64_t> readProcessId(const QDBusMessage& reply) {

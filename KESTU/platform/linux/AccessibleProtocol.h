@@ -31,6 +31,8 @@ namespace accessible {
 /// the active one of its windows.
 [[nodiscard]] QDBusMessage listenForActivation();
 
+/// Which connection is the registry now: a reply itself does not tell.
+[[nodiscard]] QDBusMessage registryOwnerQuestion();
 [[nodiscard]] QDBusMessage processIdQuestion(const QString& service);
 [[nodiscard]] QDBusMessage childrenQuestion(const Accessible& object);
 [[nodiscard]] QDBusMessage nameQuestion(const Accessible& object);
@@ -39,6 +41,8 @@ namespace accessible {
 [[nodiscard]] QDBusMessage shownPageQuestion(const Accessible& window);
 [[nodiscard]] QDBusMessage documentAttributesQuestion(const Accessible& document);
 
+/// A unique name; empty while nobody owns the name that was asked for.
+[[nodiscard]] QString readOwner(const QDBusMessage& reply);
 [[nodiscard]] std::optional<std::int64_t> readProcessId(const QDBusMessage& reply);
 /// For children and pages.
 [[nodiscard]] QList<Accessible> readAccessibles(const QDBusMessage& reply);

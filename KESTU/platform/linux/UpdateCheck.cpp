@@ -12,15 +12,15 @@ namespace kestu {
 namespace {
 
 const QString packageName = QStringLiteral("kestu");
+const QString service = QStringLiteral("org.freedesktop.PackageKit");
 const QString transactionInterface = QStringLiteral("org.freedesktop.PackageKit.Transaction");
 constexpr uint exitSuccess = 1;
 constexpr quint64 noFilter = 0;
 const UpdateAnswer noAnswer{.kind = UpdateAnswer::Kind::unavailable, .version = {}};
 
 QDBusMessage transactionQuestion() {
-    return QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.PackageKit"), QStringLiteral("/org/freedesktop/PackageKit"),
-        QStringLiteral("org.freedesktop.PackageKit"), QStringLiteral("CreateTransaction"));
+    return QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/PackageKit"), service,
+                                          QStringLiteral("CreateTransaction"));
 }
 
 } // namespace
@@ -57,7 +57,7 @@ void UpdateCheck::ask(const QDBusMessage& question, std::function<void(const QDB
 void UpdateCheck::openTransaction() {
     ask(transactionQuestion(), [this](const QDBusMessage& reply) {
         if (reply.signature() == u"o") {
-            listenAndAsk(reply.service(), reply.arguments().first().value<QDBusObjectPath>().path());
+            listenAndAsk(reply.arguments().first().value<QDBusObjectPath>().path());
         } else {
             finish(noAnswer);
         }
@@ -65,7 +65,7 @@ void UpdateCheck::openTransaction() {
 }
 
 /// Listens first: a service that knows the answer already gives it with the reply.
-void UpdateCheck::listenAndAsk(const QString& service, const QString& transaction) {
+void UpdateCheck::listenAndAsk(const QString& transaction) {
     m_bus.connect(service, transaction, transactionInterface, QStringLiteral("Package"), this,
                   SLOT(onPackage(uint, QString, QString)));
     m_bus.connect(service, transaction, transactionInterface, QStringLiteral("ErrorCode"), this,

@@ -33,7 +33,7 @@ private Q_SLOTS:
 private:
     void ask(const QDBusMessage& question, std::function<void(const QDBusMessage&)> replied);
     void openTransaction();
-    void listenAndAsk(const QString& service, const QString& transaction);
+    void listenAndAsk(const QString& transaction);
     void finish(const UpdateAnswer& answer);
 
     QDBusConnection m_bus;

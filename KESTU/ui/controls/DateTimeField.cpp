@@ -8,6 +8,7 @@
 #include <QFocusEvent>
 #include <QLineEdit>
 #include <QLocale>
+#include <QTimeZone>
 #include <QToolButton>
 
 #include <utility>
@@ -25,7 +26,9 @@ DateTimeField::DateTimeField(const QString& name, QWidget* parent)
     , m_calendarButton(new QToolButton(this)) {
     setLocale(QLocale(QLocale::Japanese, QLocale::Japan));
     setDisplayFormat(QStringLiteral("yyyy/MM/dd H:mm"));
-    setTimeSpec(Qt::UTC); // a zone of its own, so that no change of clocks leaves a time out
+    // A zone of its own, so that no change of clocks leaves a time out. By the property, for the function to
+    // set it is another one from Qt 6.7 on.
+    setProperty("timeSpec", QVariant::fromValue(Qt::UTC));
     setFixedSize(fieldSize);
     setAccessibleName(name);
     reserveTrailing(this, buttonWidth);
@@ -48,7 +51,7 @@ DateTimeField::DateTimeField(const QString& name, QWidget* parent)
 void DateTimeField::setWallTime(QDate date, QTime time) {
     m_isSet = true;
     clearMinimumDateTime();
-    setDateTime(QDateTime(date, time, Qt::UTC));
+    setDateTime(QDateTime(date, time, QTimeZone::utc()));
     m_isSet = false;
 }
 

@@ -76,12 +76,10 @@ public:
         paintIcon(*painter, rect, m_name, colorOf(mode));
     }
 
+    /// `size` is in pixels of the device: the scaledPixmap that calls this is left to Qt, for what the size
+    /// means there has changed between its versions.
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
         return cached(m_name, size, colorOf(mode));
-    }
-
-    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal) override {
-        return cached(m_name, size, colorOf(mode)); // the size is that of the device already
     }
 
     [[nodiscard]] QIconEngine* clone() const override { return new InkEngine(m_name, m_role); }
