@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/AppModel.h"
 
+#include "app/Ledger.h"
 #include "base/LocalClock.h"
 #include "classify/Resolution.h"
 
@@ -81,7 +82,7 @@ QString AppModel::summaryRequest() const {
 
 std::vector<ResolvedActivity> AppModel::loadItems(const Interval& interval) {
     std::vector<ResolvedActivity> items;
-    const auto failure = failureOf([&] { items = resolved(activitiesIn(interval), m_rules); });
+    const auto failure = failureOf([&] { items = resolved(countedIn(*m_repository, interval), m_rules); });
     if (failure && m_failedInterval != interval) {
         forgetFailures(); // the user asks for something new
     }
@@ -96,7 +97,13 @@ double AppModel::automaticOverlap(Instant start, Instant end) const {
     }
     double seconds = 0;
     try {
-        for (const Activity& activity : activitiesIn({.start = start, .end = end})) {
+        std::vector<Activity> activities = m_repository->activitiesOverlapping(start, end);
+        // A correction first takes the entry away, and then replaces what was recorded under it, too.
+        std::erase_if(activities, [this](const Activity& activity) {
+            return m_manualDraft && m_manualDraft->editingId == activity.id;
+        });
+        for (const Activity& activity :
+             clipped(counted(std::move(activities)), {.start = start, .end = end})) {
             seconds += activity.isManual ? 0 : lengthOf(activity.start, activity.end).count();
         }
     } catch (const DatabaseError&) {
@@ -218,7 +225,7 @@ void AppModel::updateImpacts() {
 QHash<SuggestionId, double> AppModel::impactsSince(Instant from) {
     std::vector<Activity> activities;
     try {
-        activities = m_repository->activitiesOverlapping(from, now());
+        activities = counted(m_repository->activitiesOverlapping(from, now()));
     } catch (const DatabaseError&) {
         m_impactsFrom.reset(); // zeros for now; the next reload tries again
     }
@@ -227,7 +234,7 @@ QHash<SuggestionId, double> AppModel::impactsSince(Instant from) {
 
 void AppModel::readDay() {
     const Interval day = dayFrom(m_selectedDay);
-    std::vector<Activity> activities = activitiesIn(day);
+    std::vector<Activity> activities = countedIn(*m_repository, day);
     // A thousand rules over a full day take longer than one key of a name that is being typed.
     if (activities != m_dayActivities || m_rules != m_dayRules) {
         assign(m_dayItems, resolved(activities, m_rules), &AppModel::dayItemsChanged);
@@ -247,7 +254,7 @@ double AppModel::readTodayTotal() const {
         }
         return seconds;
     }
-    for (const Activity& activity : activitiesIn(dayFrom(today))) {
+    for (const Activity& activity : countedIn(*m_repository, dayFrom(today))) {
         seconds += lengthOf(activity.start, activity.end).count();
     }
     return seconds;
@@ -255,10 +262,6 @@ double AppModel::readTodayTotal() const {
 
 Interval AppModel::dayFrom(Instant start) const {
     return {.start = start, .end = dayAfter(start, 1, calendar())};
-}
-
-std::vector<Activity> AppModel::activitiesIn(const Interval& range) const {
-    return clipped(m_repository->activitiesOverlapping(range.start, range.end), range);
 }
 
 // Errors

@@ -66,7 +66,7 @@ public:
     /// Seconds of the last 30 days that each suggestion would classify.
     [[nodiscard]] const QHash<SuggestionId, double>& suggestionImpacts() const { return m_suggestionImpacts; }
     [[nodiscard]] const std::optional<DailyNote>& dayNote() const { return m_dayNote; }
-    /// The selected day's activities, clipped to it.
+    /// What counts of the selected day's activities, clipped to it: two pieces may have one id.
     [[nodiscard]] const std::vector<ResolvedActivity>& dayItems() const { return m_dayItems; }
     [[nodiscard]] double todayTotal() const { return m_todayTotal; } // seconds recorded today
     [[nodiscard]] bool isTracking() const { return m_isTracking; }
@@ -99,7 +99,7 @@ public:
     /// The resolved activities of any interval; empty after a failure, which becomes the error message.
     [[nodiscard]] std::vector<ResolvedActivity> loadItems(const Interval& interval);
 
-    /// The recorded seconds that an entry made by hand would replace.
+    /// The recorded seconds that an entry made by hand would replace; one that is being corrected hides none.
     [[nodiscard]] double automaticOverlap(Instant start, Instant end) const;
 
     // Start and stop
@@ -235,7 +235,6 @@ private:
     [[nodiscard]] QHash<SuggestionId, double> impactsSince(Instant from);
     [[nodiscard]] double readTodayTotal() const;
     [[nodiscard]] Interval dayFrom(Instant start) const;
-    [[nodiscard]] std::vector<Activity> activitiesIn(const Interval& range) const;
     void selectDay(Instant day);
 
     void report(Source source, const std::optional<QString>& failure);

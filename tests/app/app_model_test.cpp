@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace kestu {
 namespace {
 
@@ -282,6 +284,59 @@ TEST_F(AppModelTest, SavesEntriesAndRecordsOnBesideThem) {
     EXPECT_FALSE(model->selectedActivityId());
     workFor(5);
     EXPECT_EQ(rows(), "a.txt 3\na.txt 0\na.txt 2\n会議 5\na.txt 5") << "not into the deleted row";
+}
+
+TEST_F(AppModelTest, CountsTimeUnderAnEntryOnceInEveryReading) {
+    const ActivityId id = record("2026-03-04T02:00:00", "2026-03-04T03:00:00", u"a.txt"_s);
+    store.execute(u"INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
+                  "SELECT start + 1200, end - 1200, 'kestu.manual', '手動', '会議', 1 FROM activity"_s);
+    suggest(u"a.txt"_s);
+    open();
+    const Instant start = utc("2026-03-04T02:00:00");
+    const auto all = [&](const std::vector<ResolvedActivity>& items) {
+        std::string times;
+        for (const ResolvedActivity& item : items) {
+            times += std::to_string(item.activity.id) + ": " +
+                     std::to_string(std::lround((item.activity.start - start).count())) + " to " +
+                     std::to_string(std::lround((item.activity.end - start).count())) + '\n';
+        }
+        return times;
+    };
+    const auto figures = [&] {
+        const double total = model->todayTotal();
+        model->shiftDay(-1);
+        EXPECT_EQ(model->todayTotal(), total) << "also when another day is shown";
+        model->goToToday();
+        EXPECT_EQ(all(model->dayItems()), all(model->loadItems({.start = start, .end = start + 24h})));
+        return std::array{total, model->suggestionImpacts()[1], model->automaticOverlap(start, start + 1h)};
+    };
+    EXPECT_EQ(all(model->dayItems()), "1: 0 to 1200\n2: 1200 to 2400\n1: 2400 to 3600\n");
+    EXPECT_EQ(figures(), (std::array{3600.0, 2400.0, 2400.0}));
+    ManualDraft correction;
+    correction.editingId = 2;
+    model->setManualDraft(correction);
+    EXPECT_EQ(model->automaticOverlap(start, start + 1h), 3600) << "a correction replaces what it covered";
+    model->setManualDraft(std::nullopt);
+    EXPECT_EQ(model->automaticOverlap(start + 25min, start + 35min), 0);
+    model->deleteActivity(2);
+    EXPECT_EQ(figures(), (std::array{3600.0, 3600.0, 3600.0}));
+    EXPECT_EQ(all(model->dayItems()), "1: 0 to 3600\n");
+
+    model->deleteActivity(id);
+    model->start();
+    workFor(8);
+    ManualDraft draft;
+    draft.start = clock.now - 4s;
+    draft.end = clock.now + 16s;
+    model->saveManualDraft(draft);
+    workFor(6);
+    workFor(6);
+    EXPECT_EQ(model->todayTotal(), 4 + 20) << "the entry reaches further";
+    workFor(6);
+    workFor(6);
+    EXPECT_EQ(model->todayTotal(), 4 + 20 + 8);
+    model->deleteActivity(*model->selectedActivityId());
+    EXPECT_EQ(model->todayTotal(), 4 + 24) << "only what was there when it was saved is gone";
 }
 
 TEST_F(AppModelTest, ClassifiesAGroupByRuleOrByHandIntoOldAndNewCategories) {
