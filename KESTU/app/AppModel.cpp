@@ -17,6 +17,9 @@ constexpr Seconds reloadInterval = 10s;
 
 constexpr int impactDays = 30;
 
+// While recording goes on: with the watch that finds it, a minute.
+constexpr Seconds impactAge = 56s;
+
 Instant dayAfter(Instant instant, int days, const Calendar& calendar) {
     return LocalClock(calendar).startOfDayAfter(instant, days).value_or(instant);
 }
@@ -50,10 +53,10 @@ AppModel::AppModel(std::unique_ptr<Repository> repository, Platform& platform, E
     , m_platform(platform)
     , m_tracker(*m_repository, platform, m_environment.clock)
     , m_screen(sidebarItemFromRaw(m_environment.screen))
-    , m_selectedDay(startOfToday()) {
+    , m_selectedDay(startOfToday())
+    , m_lastDataVersion(m_repository->database().dataVersion()) { // before the load: nothing is missed
     m_tracker.onUpdate = [this] { onTrackerUpdate(); };
     reload();
-    m_lastDataVersion = m_repository->database().dataVersion();
     connect(&m_watchTimer, &QTimer::timeout, this, &AppModel::watch);
     m_watchTimer.start(m_environment.watchInterval);
 }
@@ -89,27 +92,6 @@ std::vector<ResolvedActivity> AppModel::loadItems(const Interval& interval) {
     m_failedInterval = failure ? std::optional(interval) : std::nullopt;
     report(Source::items, failure);
     return items;
-}
-
-double AppModel::automaticOverlap(Instant start, Instant end) const {
-    if (!(end > start)) {
-        return 0;
-    }
-    double seconds = 0;
-    try {
-        std::vector<Activity> activities = m_repository->activitiesOverlapping(start, end);
-        // A correction first takes the entry away, and then replaces what was recorded under it, too.
-        std::erase_if(activities, [this](const Activity& activity) {
-            return m_manualDraft && m_manualDraft->editingId == activity.id;
-        });
-        for (const Activity& activity :
-             clipped(counted(std::move(activities)), {.start = start, .end = end})) {
-            seconds += activity.isManual ? 0 : lengthOf(activity.start, activity.end).count();
-        }
-    } catch (const DatabaseError&) {
-        return 0; // only a hint beside the entry; saving it reports what is wrong
-    }
-    return seconds;
 }
 
 // Navigation
@@ -155,12 +137,15 @@ void AppModel::onTrackerUpdate() {
 void AppModel::watch() {
     reportMove();
     const std::int64_t version = m_repository->database().dataVersion();
-    if (version != m_lastDataVersion) {
-        m_lastDataVersion = version;
+    const bool isChanged = std::exchange(m_lastDataVersion, version) != version;
+    if (isChanged) {
         m_impactsFrom.reset(); // the other process may have changed any time
+    }
+    if (std::exchange(m_isReloadDue, false) || isChanged) {
         reload();
     }
     followCalendar();
+    renewImpacts();
 }
 
 /// Midnight passes, clocks are set and time zones changed while nothing is recorded, too.
@@ -222,12 +207,23 @@ void AppModel::updateImpacts() {
     }
 }
 
+/// What is recorded changes the figures with every tick.
+void AppModel::renewImpacts() {
+    const Seconds age = now() - m_impactsRead;
+    if (m_impactsRevision != m_revision && (age > impactAge || age < Seconds{0})) {
+        m_impactsFrom.reset();
+    }
+    updateImpacts();
+}
+
 QHash<SuggestionId, double> AppModel::impactsSince(Instant from) {
+    m_impactsRead = now();
+    m_impactsRevision = m_revision;
     std::vector<Activity> activities;
     try {
         activities = counted(m_repository->activitiesOverlapping(from, now()));
     } catch (const DatabaseError&) {
-        m_impactsFrom.reset(); // zeros for now; the next reload tries again
+        m_impactsFrom.reset(); // zeros for now; the next watch tries again
     }
     return kestu::suggestionImpacts(m_suggestions, activities);
 }
@@ -280,6 +276,7 @@ void AppModel::report(Source source, const std::optional<QString>& failure) {
     const auto cause = failure ? std::optional(causeOf(*failure)) : std::nullopt;
     const bool isKnown = std::ranges::find(m_reportedCauses, cause) != m_reportedCauses.end();
     m_reportedCauses[static_cast<std::size_t>(source)] = cause;
+    m_isReloadDue |= failure && source != Source::action;
     if (failure && !isKnown) {
         setErrorMessage(*failure);
     }

@@ -232,6 +232,7 @@ private:
     void readLists();
     void readDay();
     void updateImpacts();
+    void renewImpacts();
     [[nodiscard]] QHash<SuggestionId, double> impactsSince(Instant from);
     [[nodiscard]] double readTodayTotal() const;
     [[nodiscard]] Interval dayFrom(Instant start) const;
@@ -287,9 +288,12 @@ private:
     std::vector<Rule> m_dayRules;
     Instant m_lastReload{}; // of the day
     Instant m_todayAtReload{};
-    std::int64_t m_lastDataVersion = 0;
+    std::int64_t m_lastDataVersion;
+    bool m_isReloadDue = false;           // for a load that failed
     bool m_hasMoved = false;              // the database file, at the last look
     std::optional<Instant> m_impactsFrom; // the days that the impacts cover; none when they are outdated
+    Instant m_impactsRead{};
+    std::int64_t m_impactsRevision = 0;                     // of the day, when they were read
     std::array<std::optional<QString>, 4> m_reportedCauses; // by Source; none after a success
     std::optional<Interval> m_failedInterval;               // of the last loadItems that failed
 };

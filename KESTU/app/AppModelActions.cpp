@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 
 #include "base/Text.h"
+#include "classify/Resolution.h"
 
 namespace kestu {
 
@@ -35,6 +36,27 @@ bool AppModel::write(const Write& body) {
 }
 
 // Entries
+
+double AppModel::automaticOverlap(Instant start, Instant end) const {
+    if (!(end > start)) {
+        return 0;
+    }
+    double seconds = 0;
+    try {
+        std::vector<Activity> activities = m_repository->activitiesOverlapping(start, end);
+        // A correction first takes the entry away, and then replaces what was recorded under it, too.
+        std::erase_if(activities, [this](const Activity& activity) {
+            return m_manualDraft && m_manualDraft->editingId == activity.id;
+        });
+        for (const Activity& activity :
+             clipped(counted(std::move(activities)), {.start = start, .end = end})) {
+            seconds += activity.isManual ? 0 : lengthOf(activity.start, activity.end).count();
+        }
+    } catch (const DatabaseError&) {
+        return 0; // only a hint beside the entry; saving it reports what is wrong
+    }
+    return seconds;
+}
 
 void AppModel::saveManualDraft(const ManualDraft& draft) {
     m_impactsFrom.reset();

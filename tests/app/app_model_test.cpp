@@ -1,81 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/AppModel.h"
-
-#include "support/FakePlatform.h"
-#include "support/PrivateBus.h"
-#include "support/TemporaryStore.h"
+#include "app/AppModelTest.h"
 
 #include <QFile>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace kestu {
 namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+using test::AppModelTest;
+using test::utc;
 using test::waitUntil;
-
-Instant utc(const char* text) {
-    const QDateTime time = QDateTime::fromString(QString::fromUtf8(text) + u'Z', Qt::ISODate);
-    return instantAt(static_cast<double>(time.toSecsSinceEpoch()));
-}
-
-/// A model on a desktop of the test's, and a second connection that plays the other process.
-class AppModelTest : public testing::Test {
-protected:
-    AppModelTest() {
-        clock.now = utc("2026-03-04T05:00:00"); // 14:00 in Tokyo
-        platform.fakeWorkspace.front = {u"editor"_s, u"App"_s, 1};
-        platform.fakeWorkspace.title = u"a.txt"_s;
-    }
-
-    AppModel& open(std::chrono::milliseconds watchInterval = 1h, const QString& screen = {}) {
-        model = std::make_unique<AppModel>(store.open(), platform,
-                                           AppModel::Environment{.clock = clock.clock(),
-                                                                 .calendar = [this] { return calendar; },
-                                                                 .screen = screen,
-                                                                 .watchInterval = watchInterval});
-        return *model;
-    }
-
-    void workFor(double seconds) {
-        clock.now += Seconds{seconds};
-        Q_EMIT platform.events.applicationActivated();
-    }
-
-    /// An activity of ours, from one time to another, in UTC.
-    ActivityId record(const char* from, const char* to, const QString& title = {}) const {
-        const ActivityId id = store->insertActivity(
-            {.bundleId = u"editor"_s, .appName = u"App"_s, .title = title, .url = {}}, utc(from));
-        store->extendActivity(id, utc(to));
-        return id;
-    }
-
-    /// What the user is told, which takes it away.
-    [[nodiscard]] std::string told() const {
-        std::string text = model->errorMessage().value_or(QString()).toStdString();
-        model->clearErrorMessage();
-        return text;
-    }
-
-    [[nodiscard]] std::string rows() const {
-        return store.dump(u"SELECT title || ' ' || CAST(end - start AS INTEGER) FROM activity ORDER BY id"_s);
-    }
-
-    void suggest(const QString& value) const {
-        store.execute(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, value, reason, "
-                      "created_at) VALUES ('project', 'P', 'title', 'contains', '%1', '', 0)"_s.arg(value));
-    }
-
-    test::TemporaryStore store;
-    test::FakeClock clock;
-    test::FakePlatform platform;
-    Calendar calendar{.zone = QTimeZone("Asia/Tokyo"), .firstWeekday = Qt::Sunday};
-    std::unique_ptr<AppModel> model;
-};
 
 TEST_F(AppModelTest, ShowsTheSelectedDayCutToItWhateverItsLength) {
     record("2026-03-03T14:30:00", "2026-03-03T15:30:00"); // over Tokyo's midnight
@@ -284,59 +219,6 @@ TEST_F(AppModelTest, SavesEntriesAndRecordsOnBesideThem) {
     EXPECT_FALSE(model->selectedActivityId());
     workFor(5);
     EXPECT_EQ(rows(), "a.txt 3\na.txt 0\na.txt 2\n会議 5\na.txt 5") << "not into the deleted row";
-}
-
-TEST_F(AppModelTest, CountsTimeUnderAnEntryOnceInEveryReading) {
-    const ActivityId id = record("2026-03-04T02:00:00", "2026-03-04T03:00:00", u"a.txt"_s);
-    store.execute(u"INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
-                  "SELECT start + 1200, end - 1200, 'kestu.manual', '手動', '会議', 1 FROM activity"_s);
-    suggest(u"a.txt"_s);
-    open();
-    const Instant start = utc("2026-03-04T02:00:00");
-    const auto all = [&](const std::vector<ResolvedActivity>& items) {
-        std::string times;
-        for (const ResolvedActivity& item : items) {
-            times += std::to_string(item.activity.id) + ": " +
-                     std::to_string(std::lround((item.activity.start - start).count())) + " to " +
-                     std::to_string(std::lround((item.activity.end - start).count())) + '\n';
-        }
-        return times;
-    };
-    const auto figures = [&] {
-        const double total = model->todayTotal();
-        model->shiftDay(-1);
-        EXPECT_EQ(model->todayTotal(), total) << "also when another day is shown";
-        model->goToToday();
-        EXPECT_EQ(all(model->dayItems()), all(model->loadItems({.start = start, .end = start + 24h})));
-        return std::array{total, model->suggestionImpacts()[1], model->automaticOverlap(start, start + 1h)};
-    };
-    EXPECT_EQ(all(model->dayItems()), "1: 0 to 1200\n2: 1200 to 2400\n1: 2400 to 3600\n");
-    EXPECT_EQ(figures(), (std::array{3600.0, 2400.0, 2400.0}));
-    ManualDraft correction;
-    correction.editingId = 2;
-    model->setManualDraft(correction);
-    EXPECT_EQ(model->automaticOverlap(start, start + 1h), 3600) << "a correction replaces what it covered";
-    model->setManualDraft(std::nullopt);
-    EXPECT_EQ(model->automaticOverlap(start + 25min, start + 35min), 0);
-    model->deleteActivity(2);
-    EXPECT_EQ(figures(), (std::array{3600.0, 3600.0, 3600.0}));
-    EXPECT_EQ(all(model->dayItems()), "1: 0 to 3600\n");
-
-    model->deleteActivity(id);
-    model->start();
-    workFor(8);
-    ManualDraft draft;
-    draft.start = clock.now - 4s;
-    draft.end = clock.now + 16s;
-    model->saveManualDraft(draft);
-    workFor(6);
-    workFor(6);
-    EXPECT_EQ(model->todayTotal(), 4 + 20) << "the entry reaches further";
-    workFor(6);
-    workFor(6);
-    EXPECT_EQ(model->todayTotal(), 4 + 20 + 8);
-    model->deleteActivity(*model->selectedActivityId());
-    EXPECT_EQ(model->todayTotal(), 4 + 24) << "only what was there when it was saved is gone";
 }
 
 TEST_F(AppModelTest, ClassifiesAGroupByRuleOrByHandIntoOldAndNewCategories) {
