@@ -176,8 +176,8 @@ public:
     void updateRule(const Rule& rule);
     void addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value);
     void deleteRule(RuleId id);
-    void acceptSuggestion(SuggestionId id);
-    void dismissSuggestion(SuggestionId id);
+    void acceptSuggestion(const RuleSuggestion& shown);
+    void dismissSuggestion(const RuleSuggestion& shown);
 
     /// For the day of that key, for the selected one may change while its note is written. An empty text
     /// clears the note. False after a failure.

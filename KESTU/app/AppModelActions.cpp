@@ -191,12 +191,12 @@ void AppModel::deleteRule(RuleId id) {
     write([&](Repository& repository) { repository.deleteRule(id); });
 }
 
-void AppModel::acceptSuggestion(SuggestionId id) {
-    write([&](Repository& repository) { repository.acceptSuggestion(id); });
+void AppModel::acceptSuggestion(const RuleSuggestion& shown) {
+    write([&](Repository& repository) { repository.acceptSuggestion(shown); });
 }
 
-void AppModel::dismissSuggestion(SuggestionId id) {
-    write([&](Repository& repository) { repository.deleteSuggestion(id); });
+void AppModel::dismissSuggestion(const RuleSuggestion& shown) {
+    write([&](Repository& repository) { repository.deleteSuggestion(shown); });
 }
 
 bool AppModel::saveDayNote(const QString& day, const QString& text) {

@@ -95,9 +95,11 @@ public:
     [[nodiscard]] std::vector<RuleSuggestion> suggestions() const;
 
     /// Makes the suggestion a rule, with its category if that is new, and deletes it, all or nothing.
-    /// @throws DatabaseError also when the suggestion is no longer there.
-    RuleId acceptSuggestion(SuggestionId id);
-    void deleteSuggestion(SuggestionId id);
+    /// @throws DatabaseError also when it is no longer there as it was `shown`.
+    RuleId acceptSuggestion(const RuleSuggestion& shown);
+
+    /// @throws DatabaseError as acceptSuggestion.
+    void deleteSuggestion(const RuleSuggestion& shown);
 
     // Daily notes
 
@@ -107,6 +109,9 @@ public:
     void saveDailyNote(const QString& day, const QString& summary, const QString& author);
 
 private:
+    void writeTag(std::span<const ActivityId> ids, TagId tagId, TagState state);
+    void removeSuggestion(const RuleSuggestion& shown);
+
     std::unique_ptr<Database> m_database;
     Clock m_clock;
     OverlapRead m_overlapRead;

@@ -95,6 +95,7 @@ TEST_F(AppModelTest, NotifiesOfRealChangesOnly) {
                             .id = store->insertCategory(CategoryKind::project, u"P"_s, u"#4F7CF7"_s)};
     suggest(u"x"_s);
     open();
+    const RuleSuggestion shown = model->suggestions().at(0);
     std::string changes;
     const std::pair<const char*, void (AppModel::*)()> all[] = {
         {"projects ", &AppModel::projectsChanged}, {"tags ", &AppModel::tagsChanged},
@@ -111,8 +112,8 @@ TEST_F(AppModelTest, NotifiesOfRealChangesOnly) {
         {[&] { model->addRule(target, RuleField::app, RuleOperator::equals, u" App\t"_s); }, "rules items "},
         {[&] { model->addRule(target, RuleField::app, RuleOperator::equals, u"　"_s); }, ""},
         {[&] { model->assignProject(target.id, std::array{id}); }, "items "},
-        {[&] { model->acceptSuggestion(1); }, "rules suggestions impacts "},
-        {[&] { model->acceptSuggestion(1); }, "error "},
+        {[&] { model->acceptSuggestion(shown); }, "rules suggestions impacts "},
+        {[&] { model->acceptSuggestion(shown); }, "error "},
         {[&] { model->deleteActivity(id); }, "items total "}};
     for (const auto& [action, expected] : actions) {
         changes.clear();
