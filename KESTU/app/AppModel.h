@@ -6,6 +6,7 @@
 // Created once at the start and alive until the end; main thread only.
 #pragma once
 
+#include "app/Classification.h"
 #include "app/ManualDraft.h"
 #include "app/SidebarItem.h"
 #include "base/Calendar.h"
@@ -153,16 +154,6 @@ public:
     /// The tag is set by hand when it is not yet, also where a rule gives it.
     void toggleTag(TagId tagId, const Activity& activity);
 
-    /// How an unassigned group is to be sorted.
-    struct Classification {
-        CategoryKind kind = CategoryKind::project;
-        std::optional<RowId> targetId; // none: a new category named `newName`
-        QString newName;
-        bool makeRule = true;
-        RuleField field = RuleField::app;
-        RuleOperator op = RuleOperator::equals;
-        QString value;
-    };
     /// False when the new category could not be made and nothing was done: the sheet stays open.
     bool classify(const UnassignedGroup& group, const Classification& classification);
 
@@ -245,6 +236,8 @@ private:
     bool attempt(const Write& body);
     void reloadAfterAttempt();
     bool write(const Write& body);
+    [[nodiscard]] std::optional<NewCategory> newCategory(CategoryKind kind, const QString& name) const;
+    bool classifyAnew(const UnassignedGroup& group, const Classification& classification);
     [[nodiscard]] ActivityId writeDraft(Repository& repository, const ManualDraft& draft) const;
     void restartSession();
 

@@ -25,6 +25,13 @@ struct ManualEntry {
     QSet<TagId> tagIds;
 };
 
+/// A category that is not there yet.
+struct NewCategory {
+    CategoryKind kind = CategoryKind::project;
+    QString name;
+    QString colorHex;
+};
+
 class Repository final {
 public:
     /// Takes over an opened database at the current schema. `clock` stamps daily notes.
@@ -80,6 +87,13 @@ public:
     /// As findCategory, else a new one; without a colour it takes the palette's next.
     RowId findOrCreateCategory(CategoryKind kind, const QString& name,
                                const std::optional<QString>& colorHex = {});
+
+    /// Makes a category and a rule for it, both or neither.
+    void insertCategoryWithRule(const NewCategory& category, RuleField field, RuleOperator op,
+                                const QString& value);
+
+    /// Makes a category and assigns these activities to it, all or nothing.
+    void insertCategoryOf(std::span<const ActivityId> ids, const NewCategory& category);
 
     // Rules, by sort, then id
 

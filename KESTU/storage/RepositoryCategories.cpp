@@ -105,6 +105,25 @@ RowId Repository::findOrCreateCategory(CategoryKind kind, const QString& name,
     return insertCategory(kind, trimmedBlanks(name), colorHex.value_or(nextColor));
 }
 
+void Repository::insertCategoryWithRule(const NewCategory& category, RuleField field, RuleOperator op,
+                                        const QString& value) {
+    m_database->transaction([&] {
+        const RowId id = insertCategory(category.kind, category.name, category.colorHex);
+        insertRule({.kind = category.kind, .id = id}, field, op, value);
+    });
+}
+
+void Repository::insertCategoryOf(std::span<const ActivityId> ids, const NewCategory& category) {
+    m_database->transaction([&] {
+        const RowId id = insertCategory(category.kind, category.name, category.colorHex);
+        if (category.kind == CategoryKind::project) {
+            setProject(ids, id);
+        } else {
+            writeTag(ids, id, TagState::on);
+        }
+    });
+}
+
 std::vector<Rule> Repository::rules() const {
     return m_database->query(
         QStringLiteral("SELECT id, project_id, tag_id, field, op, value, sort FROM rule ORDER BY sort, id"),

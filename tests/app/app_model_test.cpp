@@ -230,7 +230,7 @@ TEST_F(AppModelTest, ClassifiesAGroupByRuleOrByHandIntoOldAndNewCategories) {
         store->insertCategory(CategoryKind::project, QString::number(i), u"#000000"_s);
     }
     open();
-    AppModel::Classification how;
+    Classification how;
     how.op = RuleOperator::equals;
     how.value = u" App "_s;
     const struct {
@@ -267,6 +267,34 @@ TEST_F(AppModelTest, ClassifiesAGroupByRuleOrByHandIntoOldAndNewCategories) {
     model->addRule({.kind = CategoryKind::tag, .id = 1}, RuleField::app, RuleOperator::equals, u"App"_s);
     model->toggleTag(1, model->dayItems().at(0).activity);
     EXPECT_TRUE(model->dayItems().at(0).activity.tagIds.contains(1)) << "a rule's tag is set by hand too";
+}
+
+TEST_F(AppModelTest, ClassifiesIntoANewCategoryWhollyOrNotAtAll) {
+    UnassignedGroup group;
+    group.activityIds = {record("2026-03-04T04:00:00", "2026-03-04T05:00:00")};
+    open();
+    const std::string before = store.dump(u"SELECT * FROM activity"_s, 10);
+    for (const auto& [kind, makeRule, refused] :
+         {std::tuple(CategoryKind::project, true, u"INSERT ON rule"_s),
+          {CategoryKind::tag, true, u"INSERT ON rule"_s},
+          {CategoryKind::project, false, u"UPDATE ON activity"_s},
+          {CategoryKind::tag, false, u"INSERT ON activity_tag"_s}}) {
+        store.execute(u"DROP TRIGGER IF EXISTS refuse; CREATE TRIGGER refuse AFTER "_s + refused +
+                      u" BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
+        const Classification how{.kind = kind,
+                                 .targetId = {},
+                                 .newName = u"新"_s,
+                                 .makeRule = makeRule,
+                                 .field = RuleField::app,
+                                 .op = RuleOperator::equals,
+                                 .value = u"App"_s};
+        EXPECT_FALSE(model->classify(group, how));
+        EXPECT_TRUE(told().starts_with("refused — ")) << refused.toStdString();
+        EXPECT_TRUE(model->projects().empty() && model->tags().empty() && model->rules().empty())
+            << refused.toStdString();
+        EXPECT_EQ(store.dump(u"SELECT (SELECT COUNT(*) FROM project) + (SELECT COUNT(*) FROM tag)"_s), "0");
+        EXPECT_EQ(store.dump(u"SELECT * FROM activity"_s, 10), before);
+    }
 }
 
 TEST_F(AppModelTest, LoadsAndStoresSettingsAndAppliesThem) {
