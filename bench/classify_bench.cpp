@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <random>
 
 namespace kestu {
@@ -80,6 +81,26 @@ void resolve(benchmark::State& state) {
     }
 }
 
+/// Two hours of every day are under an entry made by hand.
+void countAMonth(benchmark::State& state) {
+    auto activities = month(45'000, 3'000);
+    for (int day = 0; day < 30; ++day) {
+        Activity entry;
+        entry.id = 45'000 + day;
+        entry.start = instantAt(monthStart + day * 86'400 + 10 * 3'600);
+        entry.end = entry.start + Seconds(7'200);
+        entry.isManual = true;
+        activities.push_back(entry);
+    }
+    std::ranges::stable_sort(activities, {}, &Activity::start);
+    for ([[maybe_unused]] const auto& pass : state) {
+        state.PauseTiming();
+        auto copy = activities;
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(counted(std::move(copy)));
+    }
+}
+
 ReportBuilder monthReport() {
     ReportBuilder report{
         .range = {.start = instantAt(monthStart), .end = instantAt(monthStart + monthLength)},
@@ -118,6 +139,7 @@ BENCHMARK(resolve)
     ->Args({90'000, 3'000, 100})
     ->Args({50'000, 50'000, 500})
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(countAMonth)->Unit(benchmark::kMillisecond);
 BENCHMARK(markdownOfAMonth)->Unit(benchmark::kMillisecond);
 BENCHMARK(csvOfAMonth)->Unit(benchmark::kMillisecond);
 

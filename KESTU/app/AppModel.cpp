@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/AppModel.h"
 
+#include "app/Ledger.h"
 #include "base/LocalClock.h"
 #include "classify/Resolution.h"
 
@@ -15,6 +16,9 @@ using namespace std::chrono_literals;
 constexpr Seconds reloadInterval = 10s;
 
 constexpr int impactDays = 30;
+
+// While recording goes on: with the watch that finds it, a minute.
+constexpr Seconds impactAge = 56s;
 
 Instant dayAfter(Instant instant, int days, const Calendar& calendar) {
     return LocalClock(calendar).startOfDayAfter(instant, days).value_or(instant);
@@ -49,10 +53,10 @@ AppModel::AppModel(std::unique_ptr<Repository> repository, Platform& platform, E
     , m_platform(platform)
     , m_tracker(*m_repository, platform, m_environment.clock, m_environment.uptime)
     , m_screen(sidebarItemFromRaw(m_environment.screen))
-    , m_selectedDay(startOfToday()) {
+    , m_selectedDay(startOfToday())
+    , m_lastDataVersion(m_repository->database().dataVersion()) { // before the load: nothing is missed
     m_tracker.onUpdate = [this] { onTrackerUpdate(); };
     reload();
-    m_lastDataVersion = m_repository->database().dataVersion();
     connect(&m_watchTimer, &QTimer::timeout, this, &AppModel::watch);
     m_watchTimer.start(m_environment.watchInterval);
 }
@@ -81,28 +85,13 @@ QString AppModel::summaryRequest() const {
 
 std::vector<ResolvedActivity> AppModel::loadItems(const Interval& interval) {
     std::vector<ResolvedActivity> items;
-    const auto failure = failureOf([&] { items = resolved(activitiesIn(interval), m_rules); });
+    const auto failure = failureOf([&] { items = resolved(countedIn(*m_repository, interval), m_rules); });
     if (failure && m_failedInterval != interval) {
         forgetFailures(); // the user asks for something new
     }
     m_failedInterval = failure ? std::optional(interval) : std::nullopt;
     report(Source::items, failure);
     return items;
-}
-
-double AppModel::automaticOverlap(Instant start, Instant end) const {
-    if (!(end > start)) {
-        return 0;
-    }
-    double seconds = 0;
-    try {
-        for (const Activity& activity : activitiesIn({.start = start, .end = end})) {
-            seconds += activity.isManual ? 0 : lengthOf(activity.start, activity.end).count();
-        }
-    } catch (const DatabaseError&) {
-        return 0; // only a hint beside the entry; saving it reports what is wrong
-    }
-    return seconds;
 }
 
 // Navigation
@@ -148,12 +137,15 @@ void AppModel::onTrackerUpdate() {
 void AppModel::watch() {
     reportMove();
     const std::int64_t version = m_repository->database().dataVersion();
-    if (version != m_lastDataVersion) {
-        m_lastDataVersion = version;
+    const bool isChanged = std::exchange(m_lastDataVersion, version) != version;
+    if (isChanged) {
         m_impactsFrom.reset(); // the other process may have changed any time
+    }
+    if (std::exchange(m_isReloadDue, false) || isChanged) {
         reload();
     }
     followCalendar();
+    renewImpacts();
 }
 
 /// Midnight passes, clocks are set and time zones changed while nothing is recorded, too.
@@ -215,19 +207,30 @@ void AppModel::updateImpacts() {
     }
 }
 
+/// What is recorded changes the figures with every tick.
+void AppModel::renewImpacts() {
+    const Seconds age = now() - m_impactsRead;
+    if (m_impactsRevision != m_revision && (age > impactAge || age < Seconds{0})) {
+        m_impactsFrom.reset();
+    }
+    updateImpacts();
+}
+
 QHash<SuggestionId, double> AppModel::impactsSince(Instant from) {
+    m_impactsRead = now();
+    m_impactsRevision = m_revision;
     std::vector<Activity> activities;
     try {
-        activities = m_repository->activitiesOverlapping(from, now());
+        activities = counted(m_repository->activitiesOverlapping(from, now()));
     } catch (const DatabaseError&) {
-        m_impactsFrom.reset(); // zeros for now; the next reload tries again
+        m_impactsFrom.reset(); // zeros for now; the next watch tries again
     }
     return kestu::suggestionImpacts(m_suggestions, activities);
 }
 
 void AppModel::readDay() {
     const Interval day = dayFrom(m_selectedDay);
-    std::vector<Activity> activities = activitiesIn(day);
+    std::vector<Activity> activities = countedIn(*m_repository, day);
     // A thousand rules over a full day take longer than one key of a name that is being typed.
     if (activities != m_dayActivities || m_rules != m_dayRules) {
         assign(m_dayItems, resolved(activities, m_rules), &AppModel::dayItemsChanged);
@@ -247,7 +250,7 @@ double AppModel::readTodayTotal() const {
         }
         return seconds;
     }
-    for (const Activity& activity : activitiesIn(dayFrom(today))) {
+    for (const Activity& activity : countedIn(*m_repository, dayFrom(today))) {
         seconds += lengthOf(activity.start, activity.end).count();
     }
     return seconds;
@@ -255,10 +258,6 @@ double AppModel::readTodayTotal() const {
 
 Interval AppModel::dayFrom(Instant start) const {
     return {.start = start, .end = dayAfter(start, 1, calendar())};
-}
-
-std::vector<Activity> AppModel::activitiesIn(const Interval& range) const {
-    return clipped(m_repository->activitiesOverlapping(range.start, range.end), range);
 }
 
 // Errors
@@ -277,6 +276,7 @@ void AppModel::report(Source source, const std::optional<QString>& failure) {
     const auto cause = failure ? std::optional(causeOf(*failure)) : std::nullopt;
     const bool isKnown = std::ranges::find(m_reportedCauses, cause) != m_reportedCauses.end();
     m_reportedCauses[static_cast<std::size_t>(source)] = cause;
+    m_isReloadDue |= failure && source != Source::action;
     if (failure && !isKnown) {
         setErrorMessage(*failure);
     }

@@ -6,6 +6,7 @@
 // Created once at the start and alive until the end; main thread only.
 #pragma once
 
+#include "app/Classification.h"
 #include "app/ManualDraft.h"
 #include "app/SidebarItem.h"
 #include "base/Calendar.h"
@@ -67,7 +68,7 @@ public:
     /// Seconds of the last 30 days that each suggestion would classify.
     [[nodiscard]] const QHash<SuggestionId, double>& suggestionImpacts() const { return m_suggestionImpacts; }
     [[nodiscard]] const std::optional<DailyNote>& dayNote() const { return m_dayNote; }
-    /// The selected day's activities, clipped to it.
+    /// What counts of the selected day's activities, clipped to it: two pieces may have one id.
     [[nodiscard]] const std::vector<ResolvedActivity>& dayItems() const { return m_dayItems; }
     [[nodiscard]] double todayTotal() const { return m_todayTotal; } // seconds recorded today
     [[nodiscard]] bool isTracking() const { return m_isTracking; }
@@ -100,7 +101,7 @@ public:
     /// The resolved activities of any interval; empty after a failure, which becomes the error message.
     [[nodiscard]] std::vector<ResolvedActivity> loadItems(const Interval& interval);
 
-    /// The recorded seconds that an entry made by hand would replace.
+    /// The recorded seconds that an entry made by hand would replace; one that is being corrected hides none.
     [[nodiscard]] double automaticOverlap(Instant start, Instant end) const;
 
     // Start and stop
@@ -154,16 +155,6 @@ public:
     /// The tag is set by hand when it is not yet, also where a rule gives it.
     void toggleTag(TagId tagId, const Activity& activity);
 
-    /// How an unassigned group is to be sorted.
-    struct Classification {
-        CategoryKind kind = CategoryKind::project;
-        std::optional<RowId> targetId; // none: a new category named `newName`
-        QString newName;
-        bool makeRule = true;
-        RuleField field = RuleField::app;
-        RuleOperator op = RuleOperator::equals;
-        QString value;
-    };
     /// False when the new category could not be made and nothing was done: the sheet stays open.
     bool classify(const UnassignedGroup& group, const Classification& classification);
 
@@ -177,8 +168,8 @@ public:
     void updateRule(const Rule& rule);
     void addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value);
     void deleteRule(RuleId id);
-    void acceptSuggestion(SuggestionId id);
-    void dismissSuggestion(SuggestionId id);
+    void acceptSuggestion(const RuleSuggestion& shown);
+    void dismissSuggestion(const RuleSuggestion& shown);
 
     /// For the day of that key, for the selected one may change while its note is written. An empty text
     /// clears the note. False after a failure.
@@ -233,10 +224,10 @@ private:
     void readLists();
     void readDay();
     void updateImpacts();
+    void renewImpacts();
     [[nodiscard]] QHash<SuggestionId, double> impactsSince(Instant from);
     [[nodiscard]] double readTodayTotal() const;
     [[nodiscard]] Interval dayFrom(Instant start) const;
-    [[nodiscard]] std::vector<Activity> activitiesIn(const Interval& range) const;
     void selectDay(Instant day);
 
     void report(Source source, const std::optional<QString>& failure);
@@ -246,6 +237,8 @@ private:
     bool attempt(const Write& body);
     void reloadAfterAttempt();
     bool write(const Write& body);
+    [[nodiscard]] std::optional<NewCategory> newCategory(CategoryKind kind, const QString& name) const;
+    bool classifyAnew(const UnassignedGroup& group, const Classification& classification);
     [[nodiscard]] ActivityId writeDraft(Repository& repository, const ManualDraft& draft) const;
     void restartSession();
 
@@ -289,9 +282,12 @@ private:
     std::vector<Rule> m_dayRules;
     Instant m_lastReload{}; // of the day
     Instant m_todayAtReload{};
-    std::int64_t m_lastDataVersion = 0;
+    std::int64_t m_lastDataVersion;
+    bool m_isReloadDue = false;           // for a load that failed
     bool m_hasMoved = false;              // the database file, at the last look
     std::optional<Instant> m_impactsFrom; // the days that the impacts cover; none when they are outdated
+    Instant m_impactsRead{};
+    std::int64_t m_impactsRevision = 0;                     // of the day, when they were read
     std::array<std::optional<QString>, 4> m_reportedCauses; // by Source; none after a success
     std::optional<Interval> m_failedInterval;               // of the last loadItems that failed
 };

@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 
 #include "base/Text.h"
+#include "classify/Resolution.h"
 
 namespace kestu {
 
@@ -35,6 +36,27 @@ bool AppModel::write(const Write& body) {
 }
 
 // Entries
+
+double AppModel::automaticOverlap(Instant start, Instant end) const {
+    if (!(end > start)) {
+        return 0;
+    }
+    double seconds = 0;
+    try {
+        std::vector<Activity> activities = m_repository->activitiesOverlapping(start, end);
+        // A correction first takes the entry away, and then replaces what was recorded under it, too.
+        std::erase_if(activities, [this](const Activity& activity) {
+            return m_manualDraft && m_manualDraft->editingId == activity.id;
+        });
+        for (const Activity& activity :
+             clipped(counted(std::move(activities)), {.start = start, .end = end})) {
+            seconds += activity.isManual ? 0 : lengthOf(activity.start, activity.end).count();
+        }
+    } catch (const DatabaseError&) {
+        return 0; // only a hint beside the entry; saving it reports what is wrong
+    }
+    return seconds;
+}
 
 void AppModel::saveManualDraft(const ManualDraft& draft) {
     m_impactsFrom.reset();
@@ -109,20 +131,35 @@ void AppModel::toggleTag(TagId tagId, const Activity& activity) {
 }
 
 bool AppModel::classify(const UnassignedGroup& group, const Classification& classification) {
-    const CategoryKind kind = classification.kind;
-    const auto target =
-        classification.targetId ? classification.targetId : createCategory(kind, classification.newName);
-    if (!target) {
-        return false;
+    if (!classification.targetId) {
+        return classifyAnew(group, classification);
     }
+    const CategoryKind kind = classification.kind;
+    const RowId target = *classification.targetId;
     if (classification.makeRule) {
-        addRule({.kind = kind, .id = *target}, classification.field, classification.op, classification.value);
+        addRule({.kind = kind, .id = target}, classification.field, classification.op, classification.value);
     } else if (kind == CategoryKind::project) {
         assignProject(target, group.activityIds);
     } else {
-        setTag(*target, group.activityIds, true);
+        setTag(target, group.activityIds, true);
     }
     return true;
+}
+
+/// The new category and what makes use of it are written together, or neither is.
+bool AppModel::classifyAnew(const UnassignedGroup& group, const Classification& classification) {
+    const auto category = newCategory(classification.kind, classification.newName);
+    if (!category) {
+        return false;
+    }
+    if (!classification.makeRule) {
+        return write(
+            [&](Repository& repository) { repository.insertCategoryOf(group.activityIds, *category); });
+    }
+    const QString value = trimmedBlanks(classification.value);
+    return value.isEmpty() || write([&](Repository& repository) {
+               repository.insertCategoryWithRule(*category, classification.field, classification.op, value);
+           });
 }
 
 // Categories, rules and suggestions
@@ -133,21 +170,31 @@ void AppModel::updateCategory(CategoryKind kind, RowId id, const QString& name, 
 
 std::optional<RowId> AppModel::createCategory(CategoryKind kind, const QString& name,
                                               const std::optional<QString>& colorHex) {
-    const QString trimmed = trimmedBlanks(name);
-    if (trimmed.isEmpty()) {
+    const auto category = newCategory(kind, name);
+    if (!category) {
         return std::nullopt;
     }
-    const std::size_t count = kind == CategoryKind::project ? m_projects.size() : m_tags.size();
-    const QString nextColor = categoryPalette[count % categoryPalette.size()].toString();
     std::optional<RowId> id;
     const bool isMade = attempt([&](Repository& repository) {
-        id = repository.insertCategory(kind, trimmed, colorHex.value_or(nextColor));
+        id = repository.insertCategory(kind, category->name, colorHex.value_or(category->colorHex));
     });
     if (isMade) {
         reload();
     }
     report(Source::action, std::nullopt);
     return id;
+}
+
+/// By its trimmed name and with the palette's next colour; none for a blank name.
+std::optional<NewCategory> AppModel::newCategory(CategoryKind kind, const QString& name) const {
+    const QString trimmed = trimmedBlanks(name);
+    if (trimmed.isEmpty()) {
+        return std::nullopt;
+    }
+    const std::size_t count = kind == CategoryKind::project ? m_projects.size() : m_tags.size();
+    return NewCategory{.kind = kind,
+                       .name = trimmed,
+                       .colorHex = categoryPalette[count % categoryPalette.size()].toString()};
 }
 
 void AppModel::deleteCategory(CategoryKind kind, RowId id) {
@@ -169,12 +216,12 @@ void AppModel::deleteRule(RuleId id) {
     write([&](Repository& repository) { repository.deleteRule(id); });
 }
 
-void AppModel::acceptSuggestion(SuggestionId id) {
-    write([&](Repository& repository) { repository.acceptSuggestion(id); });
+void AppModel::acceptSuggestion(const RuleSuggestion& shown) {
+    write([&](Repository& repository) { repository.acceptSuggestion(shown); });
 }
 
-void AppModel::dismissSuggestion(SuggestionId id) {
-    write([&](Repository& repository) { repository.deleteSuggestion(id); });
+void AppModel::dismissSuggestion(const RuleSuggestion& shown) {
+    write([&](Repository& repository) { repository.deleteSuggestion(shown); });
 }
 
 bool AppModel::saveDayNote(const QString& day, const QString& text) {

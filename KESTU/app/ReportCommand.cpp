@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ReportCommand.h"
 
+#include "app/Ledger.h"
 #include "app/ReportExport.h"
 #include "base/LocalClock.h"
 #include "classify/Resolution.h"
@@ -90,9 +91,8 @@ QString reportText(const ReportRequest& request, const CommandContext& context) 
     const Calendar calendar = reportCalendar(context.calendar);
     const Instant anchor = request.date.isValid() ? startOfDay(request.date, calendar) : context.now;
     const Interval range = periodInterval(request.period, anchor, calendar);
-    const auto activities = clipped(repository->activitiesOverlapping(range.start, range.end), range);
     const ReportBuilder report{.range = range,
-                               .items = resolved(activities, repository->rules()),
+                               .items = resolved(countedIn(*repository, range), repository->rules()),
                                .projects = repository->projects(),
                                .tags = repository->tags(),
                                .options = request.options,

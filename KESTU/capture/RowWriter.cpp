@@ -5,6 +5,12 @@
 #include <iterator>
 
 namespace kestu {
+namespace {
+
+// What a power cut may take at most of what is recorded. A kill takes no more than a tick.
+constexpr Seconds syncInterval{60};
+
+} // namespace
 
 RowWriter::RowWriter(Repository& repository)
     : m_repository(repository) {}
@@ -69,6 +75,18 @@ bool RowWriter::cutAbsence() {
     return isCut;
 }
 
+/// Waits for the disk once in a while only.
+template<typename Write>
+auto RowWriter::written(const Moment& now, Write write) {
+    if (now.uptime - m_syncedAt < syncInterval) {
+        const auto unsynced = m_repository.unsyncedWrites();
+        return write();
+    }
+    const auto result = write();
+    m_syncedAt = now.uptime;
+    return result;
+}
+
 void RowWriter::flushCuts() {
     if (m_cuts.empty()) {
         return;
@@ -94,7 +112,8 @@ std::optional<Instant> RowWriter::openUntil() const {
 
 void RowWriter::insert(const Moment& now) {
     try {
-        const ActivityId id = m_repository.insertActivity(m_open->sample, m_open->start);
+        const ActivityId id =
+            written(now, [this] { return m_repository.insertActivity(m_open->sample, m_open->start); });
         m_rows.push_back(
             {.stored = {.id = id, .end = m_open->start}, .start = m_open->start, .origin = now.origin()});
         m_open->hasRow = true;
@@ -107,7 +126,7 @@ void RowWriter::insert(const Moment& now) {
 /// False when the row is no longer ours.
 bool RowWriter::write(Row& row, Instant end, const Moment& now) {
     try {
-        if (!m_repository.extendRecorded(row.stored, end)) {
+        if (!written(now, [&] { return m_repository.extendRecorded(row.stored, end); })) {
             return false;
         }
         row.stored.end = end;

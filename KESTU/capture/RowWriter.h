@@ -40,6 +40,9 @@ public:
     /// Nothing that was written will be cut any more.
     void settle() { m_rows.clear(); }
 
+    /// The next write is synced to the disk: who knows when the one after it comes.
+    void syncNext() { m_syncedAt = Seconds::min(); }
+
     /// The user was there at this uptime: what was written up to then is never cut. To be called after the
     /// writes of a look, while the wall clock is the one that they were made by.
     void settleUntil(Seconds uptime);
@@ -70,6 +73,8 @@ private:
         bool hasRow = false; // the last of m_rows
     };
 
+    template<typename Write>
+    auto written(const Moment& now, Write write);
     void flushCuts();
     void insert(const Moment& now);
     [[nodiscard]] bool write(Row& row, Instant end, const Moment& now);
@@ -79,7 +84,8 @@ private:
     std::vector<Row> m_rows;         // of this session, oldest first
     std::vector<RecordedCut> m_cuts; // not written yet
     std::optional<Instant> m_writtenUntil;
-    Seconds m_settledUntil = Seconds::min(); // uptime
+    Seconds m_settledUntil = Seconds::min(); // uptimes
+    Seconds m_syncedAt = Seconds::min();
 };
 
 } // namespace kestu

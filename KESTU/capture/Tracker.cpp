@@ -36,7 +36,7 @@ std::chrono::milliseconds inMilliseconds(Seconds time) {
 }
 
 /// How long ago the window became what it is; absent when unknown.
-std::optional<Seconds> ageOf(const FrontWindow& front) {
+std::optional<Seconds> ageOf(const WindowInFront& front) {
     if (front.inFrontFor && front.titledFor) {
         return std::min(*front.inFrontFor, *front.titledFor);
     }
@@ -130,6 +130,7 @@ void Tracker::resume() {
 void Tracker::endSession() {
     m_again.stop();
     m_titleTimer.stop();
+    m_writer.syncNext();
     apply(m_sessionizer.finish(m_nothingSince ? m_nothingSince->time : m_clock()));
     m_writer.settle();
     m_nothingSince.reset();
@@ -155,7 +156,7 @@ void Tracker::tick() {
 Sessionizer::Events Tracker::observe() {
     const Seconds idle = m_platform.userInput().secondsSinceLastInput();
     const Moment asked = moment();
-    const std::optional<FrontWindow> front = m_inspector.front();
+    const std::optional<WindowInFront> front = m_inspector.front();
     if (auto events = undecided(front, asked)) {
         return std::move(*events);
     }
@@ -183,7 +184,7 @@ Sessionizer::Events Tracker::observe() {
 /// The events of a tick that decides nothing, because what is in front may be gone in a moment: a window that
 /// has only just come, nothing at all, a title so soon after the last one. What is open goes on at least
 /// until that came.
-std::optional<Sessionizer::Events> Tracker::undecided(const std::optional<FrontWindow>& front,
+std::optional<Sessionizer::Events> Tracker::undecided(const std::optional<WindowInFront>& front,
                                                       const Moment& asked) {
     if (!front) {
         m_nothingSince = m_nothingSince.value_or(asked);
@@ -214,13 +215,13 @@ std::optional<Sessionizer::Events> Tracker::waitFor(Seconds time, Instant came) 
 }
 
 /// Whether the window of the open activity is still in front, only under another title.
-bool Tracker::isOtherTitle(const FrontWindow& front) const {
+bool Tracker::isOtherTitle(const WindowInFront& front) const {
     const auto& open = m_sessionizer.openSample;
     return open && front.titledFor && open->bundleId == front.bundleId && open->title != front.title &&
            !(front.inFrontFor && *front.inFrontFor <= *front.titledFor);
 }
 
-std::optional<Sample> Tracker::sampleOf(const std::optional<FrontWindow>& front) {
+std::optional<Sample> Tracker::sampleOf(const std::optional<WindowInFront>& front) {
     if (!front || front->isIgnored) {
         return std::nullopt;
     }
@@ -228,7 +229,7 @@ std::optional<Sample> Tracker::sampleOf(const std::optional<FrontWindow>& front)
 }
 
 /// When what is in front came; `now` when that is unknown.
-Instant Tracker::cameAt(const std::optional<FrontWindow>& front, const Moment& asked,
+Instant Tracker::cameAt(const std::optional<WindowInFront>& front, const Moment& asked,
                         const Moment& now) const {
     if (!front) {
         return m_nothingSince ? m_nothingSince->time : now.time;

@@ -58,12 +58,12 @@ private:
     void observeSystem();
     void tick();
     [[nodiscard]] Sessionizer::Events observe();
-    [[nodiscard]] std::optional<Sessionizer::Events> undecided(const std::optional<FrontWindow>& front,
+    [[nodiscard]] std::optional<Sessionizer::Events> undecided(const std::optional<WindowInFront>& front,
                                                                const Moment& asked);
     [[nodiscard]] std::optional<Sessionizer::Events> waitFor(Seconds time, Instant came);
-    [[nodiscard]] bool isOtherTitle(const FrontWindow& front) const;
-    [[nodiscard]] std::optional<Sample> sampleOf(const std::optional<FrontWindow>& front);
-    [[nodiscard]] Instant cameAt(const std::optional<FrontWindow>& front, const Moment& asked,
+    [[nodiscard]] bool isOtherTitle(const WindowInFront& front) const;
+    [[nodiscard]] std::optional<Sample> sampleOf(const std::optional<WindowInFront>& front);
+    [[nodiscard]] Instant cameAt(const std::optional<WindowInFront>& front, const Moment& asked,
                                  const Moment& now) const;
     [[nodiscard]] Sessionizer::Events leave();
     [[nodiscard]] Sessionizer::Events record(const Sample& sample, Instant came, Instant now);

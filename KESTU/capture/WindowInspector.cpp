@@ -49,23 +49,24 @@ WindowInspector::WindowInspector(Workspace& workspace, BrowserScripting& scripti
     , m_scripting(scripting)
     , m_browserScripts(browserScripts(scripting)) {}
 
-std::optional<FrontWindow> WindowInspector::front() {
+std::optional<WindowInFront> WindowInspector::front() {
     const auto front = m_workspace.frontmostApplication();
     if (!front || (!front->bundleId && front->processId == 0)) {
         return std::nullopt;
     }
     const QString bundleId = front->bundleId.value_or(QStringLiteral("pid.%1").arg(front->processId));
-    return FrontWindow{.bundleId = bundleId,
-                       .appName = front->localizedName.value_or(bundleId),
-                       .title = m_workspace.focusedWindowTitle(front->processId),
-                       .processId = front->processId,
-                       .inFrontFor = front->inFrontFor,
-                       .titledFor = front->titledFor,
-                       .isOwnPanel = front->isOwnPanel,
-                       .isIgnored = std::ranges::find(ignoredBundleIds, bundleId) != ignoredBundleIds.end()};
+    return WindowInFront{.bundleId = bundleId,
+                         .appName = front->localizedName.value_or(bundleId),
+                         .title = m_workspace.focusedWindowTitle(front->processId),
+                         .processId = front->processId,
+                         .inFrontFor = front->inFrontFor,
+                         .titledFor = front->titledFor,
+                         .isOwnPanel = front->isOwnPanel,
+                         .isIgnored =
+                             std::ranges::find(ignoredBundleIds, bundleId) != ignoredBundleIds.end()};
 }
 
-Sample WindowInspector::sample(const FrontWindow& front) {
+Sample WindowInspector::sample(const WindowInFront& front) {
     return {.bundleId = front.bundleId,
             .appName = front.appName,
             .title = front.title,

@@ -19,7 +19,7 @@ class BrowserScripting;
 class Workspace;
 
 /// The window in front.
-struct FrontWindow {
+struct WindowInFront {
     QString bundleId;
     QString appName;
     QString title;
@@ -36,10 +36,10 @@ public:
     WindowInspector(Workspace& workspace, BrowserScripting& scripting);
 
     /// What is in front; absent for nothing. Answers within milliseconds, for no browser is asked.
-    [[nodiscard]] std::optional<FrontWindow> front();
+    [[nodiscard]] std::optional<WindowInFront> front();
 
     /// The observation that this window makes, with the address that a browser shows in it.
-    [[nodiscard]] Sample sample(const FrontWindow& front);
+    [[nodiscard]] Sample sample(const WindowInFront& front);
 
 private:
     /// The last question to a browser and its answer; that there was no address is remembered too.

@@ -4,6 +4,8 @@
 #include "classify/RuleMatcher.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace kestu {
 namespace {
@@ -27,6 +29,50 @@ ResolvedActivity resolvedBy(RuleMatcher& matcher, std::span<const Rule> rules, c
     return result;
 }
 
+/// Where entries made by hand lie: apart from each other, in time order.
+std::vector<Interval> coverOf(std::span<const Activity> activities) {
+    std::vector<Interval> cover;
+    for (const Activity& activity : activities) {
+        if (!activity.isManual || !(activity.end > activity.start)) {
+            continue;
+        }
+        if (!cover.empty() && activity.start <= cover.back().end) {
+            cover.back().end = std::max(cover.back().end, activity.end);
+        } else {
+            cover.push_back({.start = activity.start, .end = activity.end});
+        }
+    }
+    return cover;
+}
+
+/// Cuts `activity` down to what lies before the cover, and adds what lies behind a part of it to `later`.
+/// False when nothing lies before it.
+///
+///   activity   |----------------|      |-------|
+///   cover         |==|   |==|        |===|
+///   left       |--|  ^---^  ^---|        ^-----|    ^ later
+bool keepsHead(Activity& activity, std::span<const Interval> cover, std::vector<Activity>& later) {
+    auto entry = std::ranges::upper_bound(cover, activity.start, {}, &Interval::end);
+    if (entry == cover.end() || !(entry->start < activity.end)) {
+        return true;
+    }
+    const Instant end = std::exchange(activity.end, entry->start);
+    while (entry != cover.end() && entry->start < end) {
+        const Instant from = entry->end;
+        const Instant to = ++entry == cover.end() ? end : std::min(end, entry->start);
+        if (to > from) {
+            later.push_back(activity);
+            later.back().start = from;
+            later.back().end = to;
+        }
+    }
+    return activity.end > activity.start;
+}
+
+bool isBefore(const Activity& left, const Activity& right) {
+    return left.start < right.start || (left.start == right.start && left.id < right.id);
+}
+
 } // namespace
 
 ResolvedActivity resolve(const Activity& activity, std::span<const Rule> rules) {
@@ -42,6 +88,30 @@ std::vector<ResolvedActivity> resolved(std::span<const Activity> activities, std
         items.push_back(resolvedBy(matcher, rules, activity));
     }
     return items;
+}
+
+std::vector<Activity> counted(std::vector<Activity> activities) {
+    const std::vector<Interval> cover = coverOf(activities);
+    if (cover.empty()) {
+        return activities;
+    }
+    std::vector<Activity> later;
+    auto kept = activities.begin();
+    for (auto activity = activities.begin(); activity != activities.end(); ++activity) {
+        const bool lasts = activity->end > activity->start;
+        if (activity->isManual || !lasts || keepsHead(*activity, cover, later)) {
+            if (kept != activity) {
+                *kept = std::move(*activity);
+            }
+            ++kept;
+        }
+    }
+    activities.erase(kept, activities.end());
+    std::ranges::sort(later, isBefore);
+    const auto middle = activities.insert(activities.end(), std::make_move_iterator(later.begin()),
+                                          std::make_move_iterator(later.end()));
+    std::inplace_merge(activities.begin(), middle, activities.end(), isBefore);
+    return activities;
 }
 
 std::vector<Activity> clipped(std::span<const Activity> activities, const Interval& range) {

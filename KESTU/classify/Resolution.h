@@ -32,6 +32,11 @@ struct ResolvedActivity {
 [[nodiscard]] std::vector<ResolvedActivity> resolved(std::span<const Activity> activities,
                                                      std::span<const Rule> rules);
 
+/// What counts of these activities, which are by start, then id, and stay so: recorded ones only where no
+/// entry made by hand lies, as if it had been saved after them. The pieces of one keep its id; entries stay
+/// whole.
+[[nodiscard]] std::vector<Activity> counted(std::vector<Activity> activities);
+
 /// The activities cut to `range`, without those of which nothing is left; the order stays.
 [[nodiscard]] std::vector<Activity> clipped(std::span<const Activity> activities, const Interval& range);
 

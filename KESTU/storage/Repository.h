@@ -37,6 +37,13 @@ struct RecordedCut {
     Instant at{};
 };
 
+/// A category that is not there yet.
+struct NewCategory {
+    CategoryKind kind = CategoryKind::project;
+    QString name;
+    QString colorHex;
+};
+
 class Repository final {
 public:
     /// Takes over an opened database at the current schema. `clock` stamps daily notes.
@@ -104,6 +111,13 @@ public:
     RowId findOrCreateCategory(CategoryKind kind, const QString& name,
                                const std::optional<QString>& colorHex = {});
 
+    /// Makes a category and a rule for it, both or neither.
+    void insertCategoryWithRule(const NewCategory& category, RuleField field, RuleOperator op,
+                                const QString& value);
+
+    /// Makes a category and assigns these activities to it, all or nothing.
+    void insertCategoryOf(std::span<const ActivityId> ids, const NewCategory& category);
+
     // Rules, by sort, then id
 
     [[nodiscard]] std::vector<Rule> rules() const;
@@ -118,9 +132,11 @@ public:
     [[nodiscard]] std::vector<RuleSuggestion> suggestions() const;
 
     /// Makes the suggestion a rule, with its category if that is new, and deletes it, all or nothing.
-    /// @throws DatabaseError also when the suggestion is no longer there.
-    RuleId acceptSuggestion(SuggestionId id);
-    void deleteSuggestion(SuggestionId id);
+    /// @throws DatabaseError also when it is no longer there as it was `shown`.
+    RuleId acceptSuggestion(const RuleSuggestion& shown);
+
+    /// @throws DatabaseError as acceptSuggestion.
+    void deleteSuggestion(const RuleSuggestion& shown);
 
     // Daily notes
 
@@ -130,6 +146,9 @@ public:
     void saveDailyNote(const QString& day, const QString& summary, const QString& author);
 
 private:
+    void writeTag(std::span<const ActivityId> ids, TagId tagId, TagState state);
+    void removeSuggestion(const RuleSuggestion& shown);
+
     std::unique_ptr<Database> m_database;
     Clock m_clock;
     OverlapRead m_overlapRead;

@@ -150,18 +150,20 @@ void Repository::setProject(std::span<const ActivityId> ids, std::optional<Proje
 }
 
 void Repository::setTag(std::span<const ActivityId> ids, TagId tagId, TagState state) {
-    if (ids.empty()) {
-        return;
+    if (!ids.empty()) {
+        m_database->transaction([&] { writeTag(ids, tagId, state); });
     }
+}
+
+/// As setTag; the caller runs it inside one transaction.
+void Repository::writeTag(std::span<const ActivityId> ids, TagId tagId, TagState state) {
     const QString sql =
         state == TagState::on
             ? QStringLiteral("INSERT OR IGNORE INTO activity_tag (activity_id, tag_id) VALUES (?, ?)")
             : QStringLiteral("DELETE FROM activity_tag WHERE activity_id = ? AND tag_id = ?");
-    m_database->transaction([&] {
-        for (const ActivityId id : ids) {
-            m_database->run(sql, {id, tagId});
-        }
-    });
+    for (const ActivityId id : ids) {
+        m_database->run(sql, {id, tagId});
+    }
 }
 
 } // namespace kestu

@@ -105,6 +105,25 @@ RowId Repository::findOrCreateCategory(CategoryKind kind, const QString& name,
     return insertCategory(kind, trimmedBlanks(name), colorHex.value_or(nextColor));
 }
 
+void Repository::insertCategoryWithRule(const NewCategory& category, RuleField field, RuleOperator op,
+                                        const QString& value) {
+    m_database->transaction([&] {
+        const RowId id = insertCategory(category.kind, category.name, category.colorHex);
+        insertRule({.kind = category.kind, .id = id}, field, op, value);
+    });
+}
+
+void Repository::insertCategoryOf(std::span<const ActivityId> ids, const NewCategory& category) {
+    m_database->transaction([&] {
+        const RowId id = insertCategory(category.kind, category.name, category.colorHex);
+        if (category.kind == CategoryKind::project) {
+            setProject(ids, id);
+        } else {
+            writeTag(ids, id, TagState::on);
+        }
+    });
+}
+
 std::vector<Rule> Repository::rules() const {
     return m_database->query(
         QStringLiteral("SELECT id, project_id, tag_id, field, op, value, sort FROM rule ORDER BY sort, id"),
@@ -139,23 +158,26 @@ std::vector<RuleSuggestion> Repository::suggestions() const {
                              {}, suggestionIn);
 }
 
-RuleId Repository::acceptSuggestion(SuggestionId id) {
-    const std::vector<RuleSuggestion> waiting = suggestions();
-    const auto suggestion = std::ranges::find(waiting, id, &RuleSuggestion::id);
-    if (suggestion == waiting.end()) {
-        throw DatabaseError(QStringLiteral("提案が見つかりません（id: %1）").arg(id));
-    }
+RuleId Repository::acceptSuggestion(const RuleSuggestion& shown) {
     return m_database->transaction([&] {
-        const RuleTarget target{.kind = suggestion->kind,
-                                .id = findOrCreateCategory(suggestion->kind, suggestion->targetName)};
-        const RuleId rule = insertRule(target, suggestion->field, suggestion->op, suggestion->value);
-        deleteSuggestion(id);
-        return rule;
+        removeSuggestion(shown);
+        const RuleTarget target{.kind = shown.kind, .id = findOrCreateCategory(shown.kind, shown.targetName)};
+        return insertRule(target, shown.field, shown.op, shown.value);
     });
 }
 
-void Repository::deleteSuggestion(SuggestionId id) {
-    m_database->run(QStringLiteral("DELETE FROM rule_suggestion WHERE id = ?"), {id});
+void Repository::deleteSuggestion(const RuleSuggestion& shown) {
+    m_database->transaction([&] { removeSuggestion(shown); });
+}
+
+/// An id is given out again: another suggestion may have taken the place of the one that was shown. The
+/// caller runs it inside one transaction.
+void Repository::removeSuggestion(const RuleSuggestion& shown) {
+    const std::vector<RuleSuggestion> waiting = suggestions();
+    if (std::ranges::find(waiting, shown) == waiting.end()) {
+        throw DatabaseError(QStringLiteral("提案が見つかりません（id: %1）").arg(shown.id));
+    }
+    m_database->run(QStringLiteral("DELETE FROM rule_suggestion WHERE id = ?"), {shown.id});
 }
 
 std::optional<DailyNote> Repository::dailyNote(const QString& day) const {

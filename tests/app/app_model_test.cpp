@@ -1,79 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/AppModel.h"
-
-#include "support/FakePlatform.h"
-#include "support/PrivateBus.h"
-#include "support/TemporaryStore.h"
+#include "app/AppModelTest.h"
 
 #include <QFile>
-
-#include <gtest/gtest.h>
 
 namespace kestu {
 namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+using test::AppModelTest;
+using test::utc;
 using test::waitUntil;
-
-Instant utc(const char* text) {
-    const QDateTime time = QDateTime::fromString(QString::fromUtf8(text) + u'Z', Qt::ISODate);
-    return instantAt(static_cast<double>(time.toSecsSinceEpoch()));
-}
-
-/// A model on a desktop of the test's, and a second connection that plays the other process.
-class AppModelTest : public testing::Test {
-protected:
-    AppModelTest() {
-        clock.now = utc("2026-03-04T05:00:00"); // 14:00 in Tokyo
-        platform.fakeWorkspace.front = {u"editor"_s, u"App"_s, 1};
-        platform.fakeWorkspace.title = u"a.txt"_s;
-    }
-
-    AppModel& open(std::chrono::milliseconds watchInterval = 1h, const QString& screen = {}) {
-        model = std::make_unique<AppModel>(store.open(), platform,
-                                           AppModel::Environment{.clock = clock.clock(),
-                                                                 .calendar = [this] { return calendar; },
-                                                                 .screen = screen,
-                                                                 .watchInterval = watchInterval});
-        return *model;
-    }
-
-    void workFor(double seconds) {
-        clock.now += Seconds{seconds};
-        Q_EMIT platform.events.applicationActivated();
-    }
-
-    /// An activity of ours, from one time to another, in UTC.
-    ActivityId record(const char* from, const char* to, const QString& title = {}) const {
-        const ActivityId id = store->insertActivity(
-            {.bundleId = u"editor"_s, .appName = u"App"_s, .title = title, .url = {}}, utc(from));
-        store->extendActivity(id, utc(to));
-        return id;
-    }
-
-    /// What the user is told, which takes it away.
-    [[nodiscard]] std::string told() const {
-        std::string text = model->errorMessage().value_or(QString()).toStdString();
-        model->clearErrorMessage();
-        return text;
-    }
-
-    [[nodiscard]] std::string rows() const {
-        return store.dump(u"SELECT title || ' ' || CAST(end - start AS INTEGER) FROM activity ORDER BY id"_s);
-    }
-
-    void suggest(const QString& value) const {
-        store.execute(u"INSERT INTO rule_suggestion (target_kind, target_name, field, op, value, reason, "
-                      "created_at) VALUES ('project', 'P', 'title', 'contains', '%1', '', 0)"_s.arg(value));
-    }
-
-    test::TemporaryStore store;
-    test::FakeClock clock;
-    test::FakePlatform platform;
-    Calendar calendar{.zone = QTimeZone("Asia/Tokyo"), .firstWeekday = Qt::Sunday};
-    std::unique_ptr<AppModel> model;
-};
 
 TEST_F(AppModelTest, ShowsTheSelectedDayCutToItWhateverItsLength) {
     record("2026-03-03T14:30:00", "2026-03-03T15:30:00"); // over Tokyo's midnight
@@ -158,6 +95,7 @@ TEST_F(AppModelTest, NotifiesOfRealChangesOnly) {
                             .id = store->insertCategory(CategoryKind::project, u"P"_s, u"#4F7CF7"_s)};
     suggest(u"x"_s);
     open();
+    const RuleSuggestion shown = model->suggestions().at(0);
     std::string changes;
     const std::pair<const char*, void (AppModel::*)()> all[] = {
         {"projects ", &AppModel::projectsChanged}, {"tags ", &AppModel::tagsChanged},
@@ -174,8 +112,8 @@ TEST_F(AppModelTest, NotifiesOfRealChangesOnly) {
         {[&] { model->addRule(target, RuleField::app, RuleOperator::equals, u" App\t"_s); }, "rules items "},
         {[&] { model->addRule(target, RuleField::app, RuleOperator::equals, u"　"_s); }, ""},
         {[&] { model->assignProject(target.id, std::array{id}); }, "items "},
-        {[&] { model->acceptSuggestion(1); }, "rules suggestions impacts "},
-        {[&] { model->acceptSuggestion(1); }, "error "},
+        {[&] { model->acceptSuggestion(shown); }, "rules suggestions impacts "},
+        {[&] { model->acceptSuggestion(shown); }, "error "},
         {[&] { model->deleteActivity(id); }, "items total "}};
     for (const auto& [action, expected] : actions) {
         changes.clear();
@@ -292,7 +230,7 @@ TEST_F(AppModelTest, ClassifiesAGroupByRuleOrByHandIntoOldAndNewCategories) {
         store->insertCategory(CategoryKind::project, QString::number(i), u"#000000"_s);
     }
     open();
-    AppModel::Classification how;
+    Classification how;
     how.op = RuleOperator::equals;
     how.value = u" App "_s;
     const struct {
@@ -329,6 +267,34 @@ TEST_F(AppModelTest, ClassifiesAGroupByRuleOrByHandIntoOldAndNewCategories) {
     model->addRule({.kind = CategoryKind::tag, .id = 1}, RuleField::app, RuleOperator::equals, u"App"_s);
     model->toggleTag(1, model->dayItems().at(0).activity);
     EXPECT_TRUE(model->dayItems().at(0).activity.tagIds.contains(1)) << "a rule's tag is set by hand too";
+}
+
+TEST_F(AppModelTest, ClassifiesIntoANewCategoryWhollyOrNotAtAll) {
+    UnassignedGroup group;
+    group.activityIds = {record("2026-03-04T04:00:00", "2026-03-04T05:00:00")};
+    open();
+    const std::string before = store.dump(u"SELECT * FROM activity"_s, 10);
+    for (const auto& [kind, makeRule, refused] :
+         {std::tuple(CategoryKind::project, true, u"INSERT ON rule"_s),
+          {CategoryKind::tag, true, u"INSERT ON rule"_s},
+          {CategoryKind::project, false, u"UPDATE ON activity"_s},
+          {CategoryKind::tag, false, u"INSERT ON activity_tag"_s}}) {
+        store.execute(u"DROP TRIGGER IF EXISTS refuse; CREATE TRIGGER refuse AFTER "_s + refused +
+                      u" BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
+        const Classification how{.kind = kind,
+                                 .targetId = {},
+                                 .newName = u"新"_s,
+                                 .makeRule = makeRule,
+                                 .field = RuleField::app,
+                                 .op = RuleOperator::equals,
+                                 .value = u"App"_s};
+        EXPECT_FALSE(model->classify(group, how));
+        EXPECT_TRUE(told().starts_with("refused — ")) << refused.toStdString();
+        EXPECT_TRUE(model->projects().empty() && model->tags().empty() && model->rules().empty())
+            << refused.toStdString();
+        EXPECT_EQ(store.dump(u"SELECT (SELECT COUNT(*) FROM project) + (SELECT COUNT(*) FROM tag)"_s), "0");
+        EXPECT_EQ(store.dump(u"SELECT * FROM activity"_s, 10), before);
+    }
 }
 
 TEST_F(AppModelTest, LoadsAndStoresSettingsAndAppliesThem) {

@@ -71,6 +71,19 @@ TEST_F(ReportCommandTest, WritesThePeriodAroundTheDateAndClipsWhatCrossesIt) {
     EXPECT_TRUE(refused.errors.startsWith(QStringLiteral("保存できませんでした：")));
 }
 
+TEST_F(ReportCommandTest, CountsWhatWasRecordedUnderAnEntryOnce) {
+    makeStore();
+    Database(path).executeScript(
+        QStringLiteral("INSERT INTO activity (start, end, bundle_id, app_name, title, is_manual) "
+                       "SELECT start + 600, end - 600, 'kestu.manual', '手動', '会議', 1 FROM activity"));
+    EXPECT_TRUE(run(QStringLiteral("report")).output.contains(QStringLiteral("- 記録の合計：1時間30分")));
+    EXPECT_TRUE(
+        run(QStringLiteral("report --format csv"))
+            .output.contains(QStringLiteral("2026-11-18,23:00,23:10,10.0,未分類,,編集,メモ,,,自動\r\n"
+                                            "2026-11-18,23:10,00:20,70.0,未分類,,手動,会議,,,手動\r\n"
+                                            "2026-11-19,00:20,00:30,10.0,未分類,,編集,メモ,,,自動\r\n")));
+}
+
 TEST_F(ReportCommandTest, RefusesWhatItDoesNotUnderstand) {
     makeStore();
     for (const char* arguments :

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/StoreProcess.h"
 #include "support/TemporaryStore.h"
 
 #include <gmock/gmock.h>
@@ -103,10 +104,12 @@ TEST(Suggestions, BecomeRulesOfANewOrAnExistingCategory) {
     store->insertCategory(CategoryKind::tag, u"Review"_s, blue);
     suggest(store, u"('tag', '　review ', 'url', 'prefix'), ('Tag', ' 新しい ', 'window', 'regex'), "
                    "('tag', 'left', 'app', 'equals')"_s);
-    EXPECT_EQ(store->acceptSuggestion(1), 1);
-    EXPECT_EQ(store->acceptSuggestion(2), 2); // unknown words read as the first of their kind
-    store->deleteSuggestion(3);
-    EXPECT_EQ(failureOf([&] { store->acceptSuggestion(2); }), "提案が見つかりません（id: 2）");
+    const std::vector<RuleSuggestion> shown = store->suggestions();
+    EXPECT_EQ(store->acceptSuggestion(shown.at(0)), 1);
+    EXPECT_EQ(store->acceptSuggestion(shown.at(1)), 2); // unknown words read as the first of their kind
+    store->deleteSuggestion(shown.at(2));
+    EXPECT_EQ(failureOf([&] { store->acceptSuggestion(shown.at(1)); }), "提案が見つかりません（id: 2）");
+    EXPECT_EQ(failureOf([&] { store->deleteSuggestion(shown.at(2)); }), "提案が見つかりません（id: 3）");
     EXPECT_EQ(categoriesAndRules(store), "project|1|新しい|#4F7CF7|0\ntag|1|Review|#2D9CDB|0\n"
                                          "1|∅|1|url|prefix|v|0\n2|1|∅|app|contains|v|1\n");
 }
@@ -114,14 +117,36 @@ TEST(Suggestions, BecomeRulesOfANewOrAnExistingCategory) {
 TEST(Suggestions, ThatFailInAnyStepChangeNothing) {
     const TemporaryStore store;
     suggest(store, u"('project', 'new', 'url', 'prefix')"_s);
+    const RuleSuggestion shown = store->suggestions().at(0);
     const std::string before = categoriesAndRules(store);
     for (const QString& event :
          {u"INSERT ON project"_s, u"INSERT ON rule"_s, u"DELETE ON rule_suggestion"_s}) {
         store.execute(u"DROP TRIGGER IF EXISTS refuse; CREATE TRIGGER refuse AFTER "_s + event +
                       u" BEGIN SELECT RAISE(ABORT, 'refused'); END"_s);
-        EXPECT_THAT(failureOf([&] { store->acceptSuggestion(1); }), testing::StartsWith("refused — "));
+        EXPECT_THAT(failureOf([&] { store->acceptSuggestion(shown); }), testing::StartsWith("refused — "));
         EXPECT_EQ(categoriesAndRules(store), before) << event.toStdString();
     }
+}
+
+TEST(Suggestions, ThatWereReplacedUnderTheirIdAreNeitherAcceptedNorDeleted) {
+    TemporaryStore store;
+    test::StoreProcess other(store.path);
+    suggest(store, u"('project', 'new', 'url', 'prefix')"_s);
+    const RuleSuggestion shown = store->suggestions().at(0);
+    for (const char* change : {"target_kind = 'tag'", "target_name = 'else'", "field = 'app'",
+                               "op = 'equals'", "value = 'w'", "reason = 'why'", "created_at = 13"}) {
+        other.execute(u"DELETE FROM rule_suggestion"_s);
+        other.execute(
+            u"INSERT INTO rule_suggestion (id, target_kind, target_name, field, op, value, created_at) "
+            "VALUES (1, 'project', 'new', 'url', 'prefix', 'v', 12.5)"_s);
+        other.execute(u"UPDATE rule_suggestion SET "_s + QString::fromUtf8(change));
+        const std::string before = categoriesAndRules(store);
+        EXPECT_EQ(failureOf([&] { store->acceptSuggestion(shown); }), "提案が見つかりません（id: 1）");
+        EXPECT_EQ(failureOf([&] { store->deleteSuggestion(shown); }), "提案が見つかりません（id: 1）");
+        EXPECT_EQ(categoriesAndRules(store), before) << change;
+    }
+    store->deleteSuggestion(store->suggestions().at(0));
+    EXPECT_TRUE(store->suggestions().empty());
 }
 
 TEST(DailyNotes, AreTrimmedAndClearedWhenNothingIsLeft) {

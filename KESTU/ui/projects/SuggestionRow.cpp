@@ -58,8 +58,8 @@ SuggestionRow::SuggestionRow(AppModel& model, const RuleSuggestion& suggestion)
     refresh();
     setOnce(m_dismiss);
     setOnce(m_accept);
-    connect(m_dismiss, &QPushButton::clicked, this, [this] { m_model.dismissSuggestion(m_suggestion.id); });
-    connect(m_accept, &QPushButton::clicked, this, [this] { m_model.acceptSuggestion(m_suggestion.id); });
+    connect(m_dismiss, &QPushButton::clicked, this, [this] { m_model.dismissSuggestion(m_suggestion); });
+    connect(m_accept, &QPushButton::clicked, this, [this] { m_model.acceptSuggestion(m_suggestion); });
 }
 
 QAbstractButton& SuggestionRow::acceptButton() const {

@@ -266,7 +266,7 @@ bool RuleSheet::canSave() const {
 }
 
 void RuleSheet::save() {
-    const AppModel::Classification choice = m_choice; // which may follow what the model does now
+    const Classification choice = m_choice; // which may follow what the model does now
     if (m_model.classify(m_group, choice)) {
         close();
     }

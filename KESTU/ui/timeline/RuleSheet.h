@@ -50,7 +50,7 @@ private:
 
     AppModel& m_model;
     const UnassignedGroup m_group;
-    AppModel::Classification m_choice;
+    Classification m_choice;
     SegmentedPicker* m_kind;
     TextLabel* m_targetLabel;
     CategoryPicker* m_target;

@@ -312,7 +312,7 @@ TEST_F(ProjectsScreenTest, SuggestionsSayWhatIsNewAndAreTakenOrRejected) {
     EXPECT_EQ(news(), "011") << "it follows the names";
 
     buttonIn(*rows.at(0), u"承認"_s)->setFocus();
-    model->dismissSuggestion(rows.at(0)->id());
+    model->dismissSuggestion(model->suggestions().at(0));
     EXPECT_TRUE(buttonIn(*rows.at(1), u"承認"_s)->hasFocus()) << "and not the next one's 却下";
     buttonIn(*rows.at(2), u"承認"_s)->click();
     EXPECT_EQ(rules(), "5 app equals メール");

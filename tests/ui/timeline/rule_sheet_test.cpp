@@ -187,8 +187,8 @@ TEST_F(RuleSheetTest, ClassifiesInEveryWay) {
     }
 }
 
-TEST_F(RuleSheetTest, StaysOpenWhenTheNewProjectCannotBeMade) {
-    store.execute(u"CREATE TRIGGER t BEFORE INSERT ON project BEGIN SELECT RAISE(ABORT, 'voll'); END"_s);
+TEST_F(RuleSheetTest, StaysOpenWhenTheNewProjectOrItsRuleCannotBeMade) {
+    store.execute(u"CREATE TRIGGER t BEFORE INSERT ON rule BEGIN SELECT RAISE(ABORT, 'voll'); END"_s);
     open(u"Slack"_s);
     choose(u"プロジェクト"_s, newProject);
     type(u"プロジェクト名"_s, u"連絡"_s);
@@ -196,7 +196,8 @@ TEST_F(RuleSheetTest, StaysOpenWhenTheNewProjectCannotBeMade) {
     EXPECT_TRUE(isOpen());
     EXPECT_TRUE(model->errorMessage().value_or(QString()).contains(u"voll"_s));
     EXPECT_EQ(control<QLineEdit>(u"プロジェクト名"_s).text(), u"連絡"_s);
-    EXPECT_EQ(store.dump(u"SELECT count(*) FROM rule WHERE id > 2"_s), "0");
+    EXPECT_EQ(store.dump(u"SELECT (SELECT count(*) FROM project), count(*) FROM rule WHERE id > 2"_s, 2),
+              "4|0");
 }
 
 TEST_F(RuleSheetTest, FollowsTheListsAndKeepsWhatWasChosenAndTyped) {
