@@ -147,6 +147,7 @@ void AppModel::onTrackerUpdate() {
 
 void AppModel::watch() {
     reportMove();
+    refreshWhyUnseen();
     const std::int64_t version = m_repository->database().dataVersion();
     if (version != m_lastDataVersion) {
         m_lastDataVersion = version;
