@@ -136,6 +136,7 @@ void AppModel::onTrackerUpdate() {
 
 void AppModel::watch() {
     reportMove();
+    refreshWhyUnseen();
     const std::int64_t version = m_repository->database().dataVersion();
     const bool isChanged = std::exchange(m_lastDataVersion, version) != version;
     if (isChanged) {

@@ -74,6 +74,8 @@ public:
     [[nodiscard]] bool isTracking() const { return m_isTracking; }
     [[nodiscard]] const std::optional<Sample>& currentSample() const { return m_currentSample; }
     [[nodiscard]] bool accessibilityGranted() const { return m_accessibilityGranted; }
+    /// Why no window can be seen here and what would help; empty while they can be.
+    [[nodiscard]] const QString& whyUnseen() const { return m_whyUnseen; }
     [[nodiscard]] const std::optional<QString>& errorMessage() const { return m_errorMessage; }
     [[nodiscard]] std::int64_t revision() const { return m_revision; } // grows with every reload of the day
     [[nodiscard]] int idleMinutes() const { return m_idleMinutes; }
@@ -192,6 +194,7 @@ Q_SIGNALS:
     void isTrackingChanged();
     void currentSampleChanged();
     void accessibilityGrantedChanged();
+    void whyUnseenChanged();
     void errorMessageChanged();
     void revisionChanged();
     void idleMinutesChanged();
@@ -244,6 +247,7 @@ private:
 
     void mirrorTracking();
     void setAccessibilityGranted(bool granted);
+    void refreshWhyUnseen();
     void setExcludedApps(QMap<QString, QString> apps);
     void applyLaunchAtLogin();
     void tryPlatform(const std::function<void()>& body, const QString& prefix = {});
@@ -270,6 +274,7 @@ private:
     bool m_isTracking = false;
     std::optional<Sample> m_currentSample;
     bool m_accessibilityGranted = false;
+    QString m_whyUnseen;
     std::optional<QString> m_errorMessage;
     std::int64_t m_revision = 0;
     int m_idleMinutes = 3;

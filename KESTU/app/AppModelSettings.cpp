@@ -9,6 +9,7 @@
 #include "platform/Platform.h"
 #include "platform/PlatformError.h"
 #include "platform/SettingsStore.h"
+#include "platform/Workspace.h"
 
 #include <QFileInfo>
 
@@ -43,6 +44,7 @@ void AppModel::loadSettings() {
 
 void AppModel::start() {
     refreshAccessibility();
+    refreshWhyUnseen();
     m_tracker.start();
     mirrorTracking();
 }
@@ -143,6 +145,10 @@ void AppModel::refreshAccessibility() {
 
 void AppModel::setAccessibilityGranted(bool granted) {
     assign(m_accessibilityGranted, granted, &AppModel::accessibilityGrantedChanged);
+}
+
+void AppModel::refreshWhyUnseen() {
+    assign(m_whyUnseen, m_platform.workspace().whyUnseen(), &AppModel::whyUnseenChanged);
 }
 
 void AppModel::openAccessibilitySettings() {

@@ -58,6 +58,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
 
     connect(&m_model, &AppModel::screenChanged, this, &MainWindow::refreshScreen);
     connect(&m_model, &AppModel::accessibilityGrantedChanged, this, &MainWindow::refreshBanner);
+    connect(&m_model, &AppModel::whyUnseenChanged, this, &MainWindow::refreshBanner);
     connect(&m_model, &AppModel::errorMessageChanged, this, &MainWindow::refreshError);
     connect(&m_model, &AppModel::manualDraftChanged, this, &MainWindow::refreshManualEntry);
     addShortcuts();
@@ -74,7 +75,10 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
 QWidget* MainWindow::makeDetail() {
     m_banner = new QWidget;
     auto* banner = tight<QVBoxLayout>(m_banner);
-    banner->addWidget(new PermissionBanner(m_model));
+    m_permissionBanner = new PermissionBanner(m_model);
+    m_unseenBanner = new UnseenBanner(m_model);
+    banner->addWidget(m_permissionBanner);
+    banner->addWidget(m_unseenBanner);
     banner->addWidget(new Divider(Qt::Horizontal));
 
     auto* detail = new QWidget;
@@ -134,7 +138,11 @@ void MainWindow::refreshScreen() {
 }
 
 void MainWindow::refreshBanner() {
-    m_banner->setVisible(!m_model.accessibilityGranted());
+    // Without windows there are no titles to permit either.
+    const bool isUnseen = !m_model.whyUnseen().isEmpty();
+    m_unseenBanner->setVisible(isUnseen);
+    m_permissionBanner->setVisible(!isUnseen);
+    m_banner->setVisible(isUnseen || !m_model.accessibilityGranted());
 }
 
 void MainWindow::refreshError() {

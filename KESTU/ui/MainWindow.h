@@ -20,7 +20,6 @@ class Alert;
 class AppModel;
 class Commands;
 class ManualEntrySheet;
-class PermissionBanner;
 class Sidebar;
 
 class MainWindow final : public QWidget {
@@ -56,6 +55,8 @@ private:
     QWidget* m_content;
     Sidebar* m_sidebar;
     QWidget* m_banner;
+    QWidget* m_permissionBanner;
+    QWidget* m_unseenBanner;
     QStackedWidget* m_screens;
     std::array<QWidget*, sidebarEntries.size()> m_screenOf{}; // null until first shown
     Alert* m_errorAlert = nullptr;

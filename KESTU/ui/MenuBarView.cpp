@@ -86,7 +86,10 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     panel->addLayout(makeControls(commands));
 
     connect(&m_model, &AppModel::todayTotalChanged, this, &MenuBarView::refreshTotal);
-    connect(&m_model, &AppModel::currentSampleChanged, this, &MenuBarView::refreshNow);
+    for (const auto signal :
+         {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged, &AppModel::isTrackingChanged}) {
+        connect(&m_model, signal, this, &MenuBarView::refreshNow);
+    }
     for (const auto signal :
          {&AppModel::dayItemsChanged, &AppModel::selectedDayChanged, &AppModel::projectsChanged}) {
         connect(&m_model, signal, this, &MenuBarView::refreshProjects);
@@ -122,8 +125,9 @@ void MenuBarView::refreshTotal() {
 
 void MenuBarView::refreshNow() {
     const auto& sample = m_model.currentSample();
-    m_now->setVisible(sample.has_value());
-    m_nowApp->setText(sample ? sample->appName : QString());
+    const bool isUnseen = m_model.isTracking() && !m_model.whyUnseen().isEmpty();
+    m_now->setVisible(sample || isUnseen);
+    m_nowApp->setText(sample ? sample->appName : unseenText());
     m_nowTitle->setText(sample ? sample->title : QString());
     m_nowTitle->setVisible(sample && !sample->title.isEmpty());
 }

@@ -3,18 +3,13 @@
 // Above every screen while the titles of windows cannot be read.
 #pragma once
 
-#include <QFrame>
+#include "ui/Banner.h"
 
 namespace kestu {
 
-class AppModel;
-
-class PermissionBanner final : public QFrame {
+class PermissionBanner final : public Banner {
 public:
     explicit PermissionBanner(AppModel& model);
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
 };
 
 /// "許可する" and "システム設定を開く", side by side.

@@ -19,6 +19,7 @@ StatusItem::StatusItem(AppModel& model, Commands& commands)
         }
     });
     connect(&m_model, &AppModel::isTrackingChanged, this, &StatusItem::refreshIcon);
+    connect(&m_model, &AppModel::whyUnseenChanged, this, &StatusItem::refreshIcon);
     refreshIcon();
     m_icon.show();
 }
@@ -29,8 +30,7 @@ QString StatusItem::iconName() const {
 
 void StatusItem::refreshIcon() {
     m_icon.setIcon(iconOf(iconName()));
-    m_icon.setToolTip(m_model.isTracking() ? QStringLiteral("KESTU：記録中")
-                                           : QStringLiteral("KESTU：一時停止中"));
+    m_icon.setToolTip(QStringLiteral("KESTU：") + trackingStateText(m_model));
 }
 
 } // namespace kestu

@@ -3,6 +3,7 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
+#include "ui/Commands.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/theme/Theme.h"
@@ -29,6 +30,7 @@ TrackingStatus::TrackingStatus(AppModel& model)
     layout->addWidget(m_total);
 
     connect(&m_model, &AppModel::isTrackingChanged, this, &TrackingStatus::refreshState);
+    connect(&m_model, &AppModel::whyUnseenChanged, this, &TrackingStatus::refreshState);
     connect(&m_model, &AppModel::todayTotalChanged, this, &TrackingStatus::refreshTotal);
     refreshState();
     refreshTotal();
@@ -43,8 +45,9 @@ void TrackingStatus::changeEvent(QEvent* event) {
 
 void TrackingStatus::refreshState() {
     const Colors& colors = colorsOf(palette());
-    m_dot->setColor(m_model.isTracking() ? colors.green : colors.textSecondary);
-    m_state->setText(m_model.isTracking() ? QStringLiteral("記録中") : QStringLiteral("一時停止中"));
+    const QColor& whileTracking = m_model.whyUnseen().isEmpty() ? colors.green : colors.orange;
+    m_dot->setColor(m_model.isTracking() ? whileTracking : colors.textSecondary);
+    m_state->setText(trackingStateText(m_model));
 }
 
 void TrackingStatus::refreshTotal() {

@@ -132,11 +132,29 @@ private:
         m_platform.fakeAccessibility.granted = false;
         model.refreshAccessibility();
         renderWindow(model, commands, u"permission"_s);
+        renderUnseen(model, commands);
         m_platform.fakeSettings.booleans[u"welcomeShown"_s] = false;
         renderWindow(model, commands, u"welcome"_s);
         model.toggleTracking();
         model.shiftDay(-1);
         render(std::make_unique<MenuBarView>(model, commands), u"panel-paused"_s);
+    }
+
+    void renderUnseen(AppModel& model, Commands& commands) {
+        const auto former = m_platform.fakeWorkspace;
+        m_platform.fakeWorkspace.front.reset();
+        m_platform.fakeWorkspace.unseen =
+            u"Wayland のセッションではウインドウを見ることができないため、記録されません。"
+            "X11 のセッションでお使いください。"_s;
+        const auto look = [&model] {
+            model.stop();
+            model.start();
+        };
+        look();
+        renderWindow(model, commands, u"unseen"_s);
+        render(std::make_unique<MenuBarView>(model, commands), u"panel-unseen"_s);
+        m_platform.fakeWorkspace = former;
+        look();
     }
 
     void renderWindow(AppModel& model, Commands& commands, const QString& name) {

@@ -244,6 +244,31 @@ TEST_F(ShellTest, ShowsTheBannerUntilTitlesCanBeRead) {
     EXPECT_TRUE(waitUntil([] { return !isShown(u"許可する"_s); }, patience)) << "on coming back";
 }
 
+TEST_F(ShellTest, SaysThatNoWindowCanBeSeenAsLongAsThatIsSo) {
+    platform.fakeWorkspace.unseen = u"Wayland のセッションです。"_s;
+    platform.fakeWorkspace.front.reset();
+    platform.fakeAccessibility.granted = false;
+    launch();
+    const auto told = [] { return isShown(u"ウインドウを見られません"_s); };
+    EXPECT_TRUE(told());
+    EXPECT_TRUE(isShown(u"記録できません"_s));
+    EXPECT_TRUE(isShown(platform.fakeWorkspace.unseen)) << "why";
+    EXPECT_FALSE(isShown(u"記録中"_s));
+    EXPECT_FALSE(isShown(u"許可する"_s)) << "a permission would not help";
+    platform.fakeWorkspace.unseen.clear();
+    EXPECT_TRUE(waitUntil([&] { return !told() && isShown(u"記録中"_s); }, patience));
+    EXPECT_TRUE(isShown(u"許可する"_s));
+
+    shell->window()->close();
+    platform.fakeWorkspace.unseen = u"Wayland のセッションです。"_s;
+    Commands commands(*model);
+    MenuBarView panel(*model, commands);
+    panel.show();
+    EXPECT_TRUE(waitUntil(told, patience)) << "in the panel";
+    model->toggleTracking();
+    EXPECT_FALSE(told()) << "paused it looks for none";
+}
+
 TEST_F(ShellTest, OpensTheHelpPagesAndAnswersWhetherThereIsANewerVersion) {
     launch();
     pressKey(u"F1"_s);
