@@ -561,10 +561,11 @@ TEST(SimulatedHours, StoreWhatTheModelClaims) {
         auto claims = life.model().claims();
         auto stored = life.stored();
         const Spans& entries = life.model().entries();
-        Spans all;
         for (const auto& [title, rows] : stored) {
             EXPECT_FALSE(title == u"flash"_s);
-            EXPECT_NEAR(lengthOf(rows), lengthOf(joined(rows)), 1e-3) << "twice: " << title.toStdString();
+            // Where the clock was set back by much, the model claims the same seconds of it twice, too.
+            EXPECT_LE(lengthOf(without(rows, entries)), lengthOf(without(claims[title], entries)) + 1e-3)
+                << "seed " << seed << ", title " << title.toStdString() << ", stored twice";
             const Spans extra = without(without(joined(rows), joined(claims[title])), entries);
             EXPECT_NEAR(lengthOf(extra), 0, 1e-3) << "seed " << seed << ", title " << title.toStdString()
                                                   << ", stored too much:" << described(extra);
