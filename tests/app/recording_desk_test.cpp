@@ -9,6 +9,7 @@
 #include "support/MockLogin.h"
 #include "support/PrivateBus.h"
 
+#include <QSaveFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -69,7 +70,8 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
         waitUntil([] { return false; }, 3000);
     }
     front->setTitle(u"新しい題"_s);
-    waitUntil([] { return false; }, 2500); // a title is seen at the next tick
+    const Instant retitled = systemNow();
+    waitUntil([] { return false; }, 2500); // a title is seen when it has stayed
     kestu.send(SIGTERM);
     const Instant ended = systemNow();
     ASSERT_EQ(kestu.waitForEnd(), 0) << kestu.errorOutput().toStdString();
@@ -95,6 +97,7 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
             EXPECT_EQ(row.title, isEditor ? u"メモ <b>.txt"_s : u"other"_s);
         } else {
             EXPECT_EQ(row.title, u"新しい題"_s);
+            EXPECT_NEAR((row.start - retitled).count(), 0, 0.15) << "and yet from when it came";
         }
     }
     EXPECT_NEAR((written.back().end - ended).count(), 0, 0.1) << "the open row ends when KESTU ends";
@@ -156,6 +159,43 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     EXPECT_FALSE(waitUntil(recordsNot, 5000)) << "away, but the player keeps the display awake";
     holdersAre({});
     EXPECT_TRUE(waitUntil(recordsNot));
+}
+
+TEST_F(RecordingTest, LosesNothingWhenTheClockIsSetBack) {
+    const test::Terminal window(u"Front"_s, u"front"_s);
+    window.activate();
+    const QString clock = folder.filePath(u"clock"_s);
+    const auto setClock = [&clock](const QByteArray& offset) { // read at each question for the time
+        QSaveFile file(clock);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(offset) > 0 && file.commit());
+    };
+    setClock("+0\n");
+    const QString library =
+        test::outputOf(u"faketime"_s, {u"-f"_s, u"+0"_s, u"sh"_s, u"-c"_s, u"echo $LD_PRELOAD"_s}).trimmed();
+    ASSERT_FALSE(library.isEmpty());
+    test::Program kestu(QStringLiteral(KESTU_PROGRAM), {u"--background"_s},
+                        {{u"KESTU_DB_PATH"_s, path},
+                         {u"LD_PRELOAD"_s, library},
+                         {u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0:detect_leaks=0"_s},
+                         {u"FAKETIME_TIMESTAMP_FILE"_s, clock},
+                         {u"FAKETIME_NO_CACHE"_s, u"1"_s},
+                         {u"FAKETIME_DONT_FAKE_MONOTONIC"_s, u"1"_s}});
+    ASSERT_TRUE(waitUntil([this] { return QFile::exists(path) && !rows().empty(); }, patience));
+    const Instant began = rows().front().start;
+    waitUntil([] { return false; }, 5000);
+    setClock("-3600\n");
+    const Instant set = systemNow();
+    waitUntil([] { return false; }, 5000);
+    kestu.send(SIGTERM);
+    const Instant ended = systemNow();
+    ASSERT_EQ(kestu.waitForEnd(), 0) << kestu.errorOutput().toStdString();
+
+    const auto written = rows();
+    ASSERT_EQ(written.size(), 2U);
+    EXPECT_NEAR((written[1].start - began).count(), 0, 0.1) << "what was stored stays where it is";
+    EXPECT_NEAR((written[1].end - set).count(), 0, 2.3) << "up to the last look before";
+    EXPECT_NEAR((written[0].start - (set - Seconds{3600})).count(), 0, 2.3);
+    EXPECT_NEAR((written[0].end - (ended - Seconds{3600})).count(), 0, 0.3);
 }
 
 TEST_F(RecordingTest, LosesAtMostTheLastTickWhenItIsKilled) {
