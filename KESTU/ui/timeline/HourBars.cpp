@@ -196,7 +196,8 @@ void HourBars::mousePressEvent(QMouseEvent* event) {
     }
     const QRectF bar = barBox(*row, width());
     m_model.setManualDraft(clickedDraft(m_model.dayItems(), m_rows[*row].hour,
-                                        event->position().x() - bar.left(), bar.width(), m_model.calendar()));
+                                        event->position().x() - bar.left(), bar.width(), m_model.now(),
+                                        m_model.calendar()));
 }
 
 void HourBars::keyPressEvent(QKeyEvent* event) {
@@ -272,7 +273,8 @@ void HourBars::addInRow() {
         }
     }
     if (const auto second = emptySecond(row, from)) {
-        m_model.setManualDraft(clickedDraft(m_model.dayItems(), row.hour, *second, 3600, m_model.calendar()));
+        m_model.setManualDraft(
+            clickedDraft(m_model.dayItems(), row.hour, *second, 3600, m_model.now(), m_model.calendar()));
     }
 }
 
