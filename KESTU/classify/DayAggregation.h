@@ -42,8 +42,8 @@ struct UnassignedGroup {
     QString bundleId;
     std::optional<QString> domain;
     double seconds = 0;
-    QStringList sampleTitles; // the three with the most seconds
-    std::vector<ActivityId> activityIds;
+    QStringList sampleTitles;            // the three with the most seconds
+    std::vector<ActivityId> activityIds; // of its items; that of an activity in pieces comes for each
 
     [[nodiscard]] QString identity() const;
     bool operator==(const UnassignedGroup&) const = default;

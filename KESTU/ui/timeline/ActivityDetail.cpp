@@ -9,6 +9,7 @@
 #include "ui/parts/CategoryPicker.h"
 #include "ui/parts/Texts.h"
 #include "ui/theme/KestuStyle.h"
+#include "ui/timeline/SliceTexts.h"
 
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -55,7 +56,7 @@ ActivityDetail::ActivityDetail(AppModel& model, QWidget* parent)
     , m_name(new TextLabel({}, TextStyle::title3, ink::primary, Overflow::elideRight))
     , m_title(new TextLabel({}, TextStyle::callout, ink::primary, Overflow::wrap))
     , m_address(new TextLabel({}, TextStyle::caption, ink::secondary, Overflow::elideMiddle))
-    , m_time(new TextLabel({}, TextStyle::caption, ink::secondary))
+    , m_time(new TextLabel({}, TextStyle::caption, ink::secondary, Overflow::wrap))
     , m_project(new CategoryPicker(CategoryPicker::Divider::afterFirst))
     , m_tags(new QWidget)
     , m_chips(*new FlowLayout(6, m_tags))
@@ -140,11 +141,12 @@ QLayout* ActivityDetail::makeButtons() {
     return row;
 }
 
-void ActivityDetail::setItem(const ResolvedActivity& item) {
-    if (m_item == item) {
+void ActivityDetail::setPieces(const std::vector<ResolvedActivity>& pieces) {
+    if (m_pieces == pieces) {
         return;
     }
-    m_item = item;
+    m_pieces = pieces;
+    m_item = pieces.front();
     showTexts();
     showProject();
     showTags();
@@ -159,9 +161,11 @@ void ActivityDetail::showTexts() {
     m_name->setText(nameOf(activity));
     showText(*m_title, activity.isManual ? QString() : activity.title);
     showText(*m_address, activity.url.value_or(QString()));
-    LocalClock clock(m_model.calendar());
-    m_time->setText(rangeText({.start = activity.start, .end = activity.end}, clock) +
-                    QStringLiteral("（%1）").arg(formatDuration(secondsOf(*m_item))));
+    double seconds = 0;
+    for (const ResolvedActivity& piece : m_pieces) {
+        seconds += secondsOf(piece);
+    }
+    m_time->setText(rangesText(m_pieces, m_model) + QStringLiteral("（%1）").arg(formatDuration(seconds)));
     m_edit->setVisible(activity.isManual);
 }
 

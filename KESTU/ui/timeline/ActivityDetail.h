@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the selected activity is, and what can be changed about it alone: its project, its tags, that it
-// exists. It belongs to the side panel, which gives it the item; it grows in place while the item is
+// exists. It belongs to the side panel, which gives it the activity's pieces; it grows in place while that is
 // recorded.
 #pragma once
 
@@ -10,6 +10,7 @@
 #include "ui/parts/KeyedRows.h"
 
 #include <optional>
+#include <vector>
 
 class QLayout;
 class QPushButton;
@@ -29,7 +30,8 @@ class ActivityDetail final : public QWidget {
 public:
     explicit ActivityDetail(AppModel& model, QWidget* parent = nullptr);
 
-    void setItem(const ResolvedActivity& item);
+    /// At least one: what the day shows of one activity.
+    void setPieces(const std::vector<ResolvedActivity>& pieces);
 
 Q_SIGNALS:
     void rearranged();
@@ -50,7 +52,8 @@ private:
     void toggleTag(TagId id);
 
     AppModel& m_model;
-    std::optional<ResolvedActivity> m_item;
+    std::vector<ResolvedActivity> m_pieces;
+    std::optional<ResolvedActivity> m_item; // the first piece
     TextLabel* m_heading;
     TextLabel* m_name;
     TextLabel* m_title;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The entries that the timeline proposes, before the user has changed anything. Pure functions; each call
-// makes a draft with an id of its own.
+// The entries that the timeline proposes, before the user has changed anything. One that begins before now
+// ends by now: nobody knows yet what comes. Pure functions; each call makes a draft with an id of its own.
 #pragma once
 
 #include "app/ManualDraft.h"
@@ -13,7 +13,8 @@ namespace kestu {
 /// The shortest gap that is offered by itself; a click finds shorter ones.
 inline constexpr Seconds offeredGap{300};
 
-[[nodiscard]] ManualDraft draftFor(const Interval& range);
+/// For a gap: what lies before `now` of it, or behind it where that is less than the shortest offered gap.
+[[nodiscard]] ManualDraft gapDraft(const Interval& gap, Instant now);
 
 struct ShownDay {
     Items items; // of that day, clipped to it
@@ -25,8 +26,8 @@ struct ShownDay {
 [[nodiscard]] ManualDraft defaultDraft(const ShownDay& day, Instant now);
 
 /// For a click at `x` of a bar so wide, in the row that begins at `hour`: the gap around that time, else half
-/// an hour from the quarter before it.
-[[nodiscard]] ManualDraft clickedDraft(Items items, Instant hour, double x, double barWidth,
+/// an hour from the quarter before it; of either only the side of `now` on which the click lies.
+[[nodiscard]] ManualDraft clickedDraft(Items items, Instant hour, double x, double barWidth, Instant now,
                                        const Calendar& calendar);
 
 } // namespace kestu

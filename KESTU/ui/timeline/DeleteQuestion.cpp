@@ -15,7 +15,7 @@ void askToDelete(QWidget& window, AppModel& model, const ResolvedActivity& item)
          .role = ButtonRole::destructiveFilled}};
     auto* question =
         Alert::ask(&window, QStringLiteral("この区間を削除しますか？"),
-                   sliceName(item, model) + QStringLiteral("\n削除すると元に戻せません。"), buttons);
+                   activityName(item, model) + QStringLiteral("\n削除すると元に戻せません。"), buttons);
     QObject::connect(question, &Alert::answered, question, [&model, id = item.activity.id](int index) {
         if (index == 1) {
             model.deleteActivity(id);

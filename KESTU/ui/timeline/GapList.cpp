@@ -94,7 +94,7 @@ GapRow* GapList::makeRow() {
     connect(row->button(), &QPushButton::clicked, this, [this, row] {
         const auto& rows = m_rows.rows();
         m_opened = static_cast<std::size_t>(std::find(rows.begin(), rows.end(), row) - rows.begin());
-        m_model.setManualDraft(draftFor(row->interval()));
+        m_model.setManualDraft(gapDraft(row->interval(), m_model.now()));
     });
     return row;
 }

@@ -66,9 +66,9 @@ void HourBars::refresh() {
             m_slices.push_back({.row = row, .slice = slice});
         }
     }
-    m_itemOf.clear();
+    m_itemsOf.clear();
     for (std::size_t index = 0; index < items.size(); ++index) {
-        m_itemOf.insert(items[index].activity.id, index);
+        m_itemsOf.insert(items[index].activity.id, index);
     }
     m_row = std::min(m_row, m_rows.empty() ? 0 : m_rows.size() - 1);
     if (m_rows.size() != rowsBefore) {
@@ -122,10 +122,16 @@ bool HourBars::isSelected(SlicePlace place) const {
 }
 
 const ResolvedActivity* HourBars::itemOf(SlicePlace place) const {
-    const auto found = m_itemOf.find(at(place).activityId);
-    // The model may hold another day already while its signals are still on their way.
-    return found != m_itemOf.end() && *found < m_model.dayItems().size() ? &m_model.dayItems()[*found]
-                                                                         : nullptr;
+    const auto& items = m_model.dayItems();
+    const HourSlice& slice = at(place);
+    const Instant start = m_rows[place.row].hour + Seconds{slice.offset};
+    const auto [first, end] = m_itemsOf.equal_range(slice.activityId);
+    const auto found = std::find_if(first, end, [&](std::size_t index) {
+        // The model may hold another day already while its signals are still on their way.
+        return index < items.size() && items[index].activity.start <= start &&
+               start < items[index].activity.end;
+    });
+    return found == end ? nullptr : &items[*found];
 }
 
 QString HourBars::helpOf(SlicePlace place) const {
@@ -190,7 +196,8 @@ void HourBars::mousePressEvent(QMouseEvent* event) {
     }
     const QRectF bar = barBox(*row, width());
     m_model.setManualDraft(clickedDraft(m_model.dayItems(), m_rows[*row].hour,
-                                        event->position().x() - bar.left(), bar.width(), m_model.calendar()));
+                                        event->position().x() - bar.left(), bar.width(), m_model.now(),
+                                        m_model.calendar()));
 }
 
 void HourBars::keyPressEvent(QKeyEvent* event) {
@@ -266,7 +273,8 @@ void HourBars::addInRow() {
         }
     }
     if (const auto second = emptySecond(row, from)) {
-        m_model.setManualDraft(clickedDraft(m_model.dayItems(), row.hour, *second, 3600, m_model.calendar()));
+        m_model.setManualDraft(
+            clickedDraft(m_model.dayItems(), row.hour, *second, 3600, m_model.now(), m_model.calendar()));
     }
 }
 
@@ -327,17 +335,17 @@ void HourBars::paintRow(QPainter& painter, std::size_t row) const {
                      Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("%1時").arg(m_rows[row].number));
     drawPanel(painter, bar, metrics::radiusSlice, colors.hourTrack);
     painter.setPen(Qt::NoPen);
-    const HourSlice* selected = nullptr;
     for (const HourSlice& slice : m_rows[row].slices) {
         paintSlice(painter, slice, bar);
-        selected = slice.activityId == m_selected ? &slice : selected;
     }
     if (m_ringShown && hasFocus() && row == m_row) {
         drawRing(painter, bar, metrics::radiusSlice, colors.focus, ringWidth);
     }
-    if (selected) {
-        drawRing(painter, sliceBox(*selected, bar), metrics::radiusSlice, colors.sliceOutline,
-                 selectionWidth);
+    for (const HourSlice& slice : m_rows[row].slices) {
+        if (slice.activityId == m_selected) {
+            drawRing(painter, sliceBox(slice, bar), metrics::radiusSlice, colors.sliceOutline,
+                     selectionWidth);
+        }
     }
 }
 

@@ -69,8 +69,8 @@ private:
     AppModel& m_model;
     std::vector<HourRow> m_rows;
     std::vector<SlicePlace> m_slices;
-    std::vector<SlicePlace> m_stops; // one for each activity, in time order
-    QHash<ActivityId, std::size_t> m_itemOf;
+    std::vector<SlicePlace> m_stops;               // one for each activity, in time order
+    QMultiHash<ActivityId, std::size_t> m_itemsOf; // its pieces
     QHash<ProjectId, QColor> m_colors;
     std::optional<ActivityId> m_selected;
     std::size_t m_row = 0; // the keyboard's

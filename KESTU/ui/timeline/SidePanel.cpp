@@ -5,13 +5,12 @@
 #include "ui/controls/Surfaces.h"
 #include "ui/timeline/ActivityDetail.h"
 #include "ui/timeline/GapList.h"
+#include "ui/timeline/SliceTexts.h"
 #include "ui/timeline/UnassignedList.h"
 
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace kestu {
 namespace {
@@ -87,13 +86,11 @@ QVBoxLayout* SidePanel::makeColumn() {
 }
 
 void SidePanel::showSelected() {
-    const auto& items = m_model.dayItems();
-    const auto selected = std::find_if(items.begin(), items.end(), [this](const ResolvedActivity& item) {
-        return item.activity.id == m_model.selectedActivityId();
-    });
-    const bool isShown = selected != items.end();
+    const auto selected = m_model.selectedActivityId();
+    const auto pieces = selected ? piecesOf(*selected, m_model) : std::vector<ResolvedActivity>();
+    const bool isShown = !pieces.empty();
     if (isShown) {
-        m_detail->setItem(*selected);
+        m_detail->setPieces(pieces);
     }
     m_detail->setVisible(isShown);
     m_belowDetail->setVisible(isShown);

@@ -6,6 +6,9 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <iterator>
+
 namespace kestu {
 namespace {
 
@@ -34,7 +37,28 @@ QString tagsOf(const ResolvedActivity& item, const AppModel& model) {
     return names.isEmpty() ? QString() : QStringLiteral("タグ：") + names.join(QStringLiteral("・"));
 }
 
+QString nameWith(const QString& range, const ResolvedActivity& item, const AppModel& model) {
+    return joined(
+        {range, item.activity.appName, shortened(item.activity.title), projectName(model, item.projectId)},
+        QStringLiteral("、"));
+}
+
 } // namespace
+
+std::vector<ResolvedActivity> piecesOf(ActivityId id, const AppModel& model) {
+    std::vector<ResolvedActivity> pieces;
+    std::ranges::copy_if(model.dayItems(), std::back_inserter(pieces),
+                         [id](const ResolvedActivity& item) { return item.activity.id == id; });
+    return pieces;
+}
+
+QString rangesText(std::span<const ResolvedActivity> pieces, const AppModel& model) {
+    QStringList ranges;
+    for (const ResolvedActivity& piece : pieces) {
+        ranges += rangeOf(piece, model);
+    }
+    return ranges.join(QStringLiteral("、"));
+}
 
 QString sliceHelp(const ResolvedActivity& item, const AppModel& model) {
     const Activity& activity = item.activity;
@@ -44,9 +68,11 @@ QString sliceHelp(const ResolvedActivity& item, const AppModel& model) {
 }
 
 QString sliceName(const ResolvedActivity& item, const AppModel& model) {
-    return joined({rangeOf(item, model), item.activity.appName, shortened(item.activity.title),
-                   projectName(model, item.projectId)},
-                  QStringLiteral("、"));
+    return nameWith(rangeOf(item, model), item, model);
+}
+
+QString activityName(const ResolvedActivity& item, const AppModel& model) {
+    return nameWith(rangesText(piecesOf(item.activity.id, model), model), item, model);
 }
 
 } // namespace kestu

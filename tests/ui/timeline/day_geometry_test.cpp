@@ -43,6 +43,21 @@ TEST(DefaultDraftTest, TakesTheFirstGapElseTheLastHourElseNineOClock) {
           item(3, test::sampleTime(10, 5), test::sampleTime(11, 0))},
          true,
          {600, 605}},
+        {"a gap that now lies in",
+         {item(1, test::sampleTime(8, 0), test::sampleTime(11, 0)),
+          item(2, test::sampleTime(13, 0), test::sampleTime(14, 0))},
+         true,
+         {660, 720}},
+        {"a gap that has hardly begun",
+         {item(1, test::sampleTime(8, 0), test::sampleTime(11, 56)),
+          item(2, test::sampleTime(13, 0), test::sampleTime(14, 0))},
+         true,
+         {720, 780}},
+        {"a gap to come",
+         {item(1, test::sampleTime(8, 0), test::sampleTime(13, 0)),
+          item(2, test::sampleTime(13, 30), test::sampleTime(14, 0))},
+         true,
+         {780, 810}},
         {"today without one", {item(1, test::sampleTime(8, 0), noon)}, true, {660, 720}},
         {"another day without one", {}, false, {540, 600}},
     };
@@ -62,20 +77,32 @@ TEST(ClickedDraftTest, TakesTheGapAroundTheClickElseHalfAnHourFromTheQuarter) {
     const struct {
         const char* name;
         int hour;
-        double x; // on a bar of 600
+        double x;   // on a bar of 600
+        double now; // minutes since midnight
         Range expected;
     } cases[] = {
-        {"in a gap of a minute", 9, 205, {560, 561}},
-        {"before the first record", 9, 30, {540, 570}},
-        {"minute 44 outside any gap", 10, 440, {630, 660}},
-        {"behind the last record", 10, 590, {645, 675}},
-        {"left of the bar", 9, -20, {540, 570}},
+        {"in a gap of a minute", 9, 205, 900, {560, 561}},
+        {"before the first record", 9, 30, 900, {540, 570}},
+        {"minute 44 outside any gap", 10, 440, 900, {630, 660}},
+        {"behind the last record", 10, 590, 900, {645, 675}},
+        {"left of the bar", 9, -20, 900, {540, 570}},
+        {"in a gap, before now", 11, 300, 700, {650, 700}},
+        {"in the same gap, behind now", 11, 450, 700, {700, 720}},
+        {"outside any gap, before now", 10, 590, 662, {645, 662}},
+        {"outside any gap, behind now", 12, 430, 760, {760, 780}},
+        {"wholly behind now", 12, 450, 660, {765, 795}},
     };
-    for (const auto& [name, hour, x, expected] : cases) {
-        const auto draft = clickedDraft(items, test::sampleTime(hour, 0), x, 600, test::tokyo());
+    for (const auto& [name, hour, x, now, expected] : cases) {
+        auto shown = items;
+        if (hour == 11) {
+            shown.push_back(item(3, test::sampleTime(12, 0), test::sampleTime(12, 30)));
+        }
+        const auto draft = clickedDraft(shown, test::sampleTime(hour, 0), x, 600,
+                                        test::sampleDay + Seconds{now * 60}, test::tokyo());
         EXPECT_EQ(minutesOf(draft), expected) << name;
     }
-    EXPECT_EQ(minutesOf(clickedDraft({}, test::sampleTime(9, 0), 0, 0, test::tokyo())), Range(540, 570))
+    EXPECT_EQ(minutesOf(clickedDraft({}, test::sampleTime(9, 0), 0, 0, test::sampleNow, test::tokyo())),
+              Range(540, 570))
         << "a bar without width";
 }
 

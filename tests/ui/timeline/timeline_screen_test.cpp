@@ -14,6 +14,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 
 #include <gtest/gtest.h>
 
@@ -71,8 +72,9 @@ TEST_F(TimelineScreenTest, ShowsFiveThousandActivitiesOneWithoutEndOfTitleAndOve
         for (int index = 0; index < 5000; ++index) {
             record(index * 12.0, index * 12.0 + (index % 7 == 0 ? 1 : 12), index == 4999 ? endless : u"a"_s);
         }
-        record(-86400, 2 * 86400, u"<b>出張</b>"_s, true);
+        record(-86400, 60, u"<b>出張</b>"_s, true);
         record(3600, 7200, u"重なる"_s, true);
+        record(60000, 2 * 86400, u"<b>出張</b>"_s, true);
     });
     QElapsedTimer timer;
     timer.start();
@@ -96,6 +98,36 @@ TEST_F(TimelineScreenTest, ShowsFiveThousandActivitiesOneWithoutEndOfTitleAndOve
     }
     const auto place = bars().slices().back();
     EXPECT_LT(bars().helpOf(place).size(), 600) << "a tooltip leaves the screen in sight";
+}
+
+TEST_F(TimelineScreenTest, ShowsTheTimesOfEachPieceAroundAnEntry) {
+    record(9 * 3600, 12 * 3600, u"a"_s);
+    record(10 * 3600 + 1200, 10 * 3600 + 2400, u"会議"_s, true);
+    open();
+    QStringList helps;
+    for (const SlicePlace& place : bars().slices()) {
+        helps += bars().helpOf(place).section(u'\n', 0, 0);
+    }
+    EXPECT_EQ(helps.join(u' '), u"9:00〜10:20 9:00〜10:20 10:20〜10:40 10:40〜12:00 10:40〜12:00"_s);
+
+    bars().choose(bars().slices().back());
+    for (const SlicePlace& place : bars().slices()) {
+        EXPECT_EQ(bars().isSelected(place), !bars().rows()[place.row].slices[place.slice].isManual);
+    }
+    EXPECT_TRUE(isShown(u"9:00〜10:20、10:40〜12:00（2時間40分）"_s));
+    const QImage row = bars().grab().toImage();
+    const auto edge = [&](std::size_t index) {
+        const QRect box = bars().boxOf(bars().slices().at(index));
+        return row.pixelColor(box.center().x(), box.top());
+    };
+    EXPECT_EQ(edge(1), edge(3)) << "both pieces in the row of 10 o'clock are framed";
+    EXPECT_NE(edge(1), edge(2));
+
+    QKeyEvent remove(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
+    QApplication::sendEvent(&bars(), &remove);
+    EXPECT_TRUE(isShown(u"9:00〜10:20、10:40〜12:00、App、a、未分類\n削除すると元に戻せません。"_s));
+    press(u"削除"_s);
+    EXPECT_EQ(store.dump(u"SELECT title FROM activity"_s), "会議");
 }
 
 TEST_F(TimelineScreenTest, CorrectsAnEntryOfThreeDaysWithoutCuttingIt) {
