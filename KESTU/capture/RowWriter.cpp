@@ -15,13 +15,13 @@ constexpr Seconds syncInterval{60};
 RowWriter::RowWriter(Repository& repository)
     : m_repository(repository) {}
 
-void RowWriter::begin(const Sample& sample, Instant start, const Moment& now) {
+void RowWriter::begin(const Sample& sample, Instant start, const ClockReading& now) {
     flushCuts();
     m_open = OpenActivity{.sample = sample, .start = start};
     insert(now);
 }
 
-void RowWriter::extend(Instant end, const Moment& now) {
+void RowWriter::extend(Instant end, const ClockReading& now) {
     flushCuts();
     if (!m_open) {
         return;
@@ -77,7 +77,7 @@ bool RowWriter::cutAbsence() {
 
 /// Waits for the disk once in a while only.
 template<typename Write>
-auto RowWriter::written(const Moment& now, Write write) {
+auto RowWriter::written(const ClockReading& now, Write write) {
     if (now.uptime - m_syncedAt < syncInterval) {
         const auto unsynced = m_repository.unsyncedWrites();
         return write();
@@ -110,7 +110,7 @@ std::optional<Instant> RowWriter::openUntil() const {
     return m_open->hasRow ? m_rows.back().stored.end : m_open->start;
 }
 
-void RowWriter::insert(const Moment& now) {
+void RowWriter::insert(const ClockReading& now) {
     try {
         const ActivityId id =
             written(now, [this] { return m_repository.insertActivity(m_open->sample, m_open->start); });
@@ -124,7 +124,7 @@ void RowWriter::insert(const Moment& now) {
 }
 
 /// False when the row is no longer ours.
-bool RowWriter::write(Row& row, Instant end, const Moment& now) {
+bool RowWriter::write(Row& row, Instant end, const ClockReading& now) {
     try {
         if (!written(now, [&] { return m_repository.extendRecorded(row.stored, end); })) {
             return false;

@@ -14,7 +14,7 @@
 namespace kestu {
 
 /// One moment by both clocks: the wall's, which is set at times, and that of the seconds that pass.
-struct Moment {
+struct ClockReading {
     Instant time{};
     Seconds uptime{};
 
@@ -28,11 +28,11 @@ public:
     explicit RowWriter(Repository& repository);
 
     /// A new activity is open from `start` on.
-    void begin(const Sample& sample, Instant start, const Moment& now);
+    void begin(const Sample& sample, Instant start, const ClockReading& now);
 
     /// The open activity goes on to `end`. When another hand has cut, deleted or replaced its row, that one
     /// is left alone and a new row goes on where ours had ended.
-    void extend(Instant end, const Moment& now);
+    void extend(Instant end, const ClockReading& now);
 
     /// Nothing is open any more; what was written stays.
     void finish();
@@ -74,10 +74,10 @@ private:
     };
 
     template<typename Write>
-    auto written(const Moment& now, Write write);
+    auto written(const ClockReading& now, Write write);
     void flushCuts();
-    void insert(const Moment& now);
-    [[nodiscard]] bool write(Row& row, Instant end, const Moment& now);
+    void insert(const ClockReading& now);
+    [[nodiscard]] bool write(Row& row, Instant end, const ClockReading& now);
 
     Repository& m_repository;
     std::optional<OpenActivity> m_open;

@@ -155,13 +155,13 @@ void Tracker::tick() {
 
 Sessionizer::Events Tracker::observe() {
     const Seconds idle = m_platform.userInput().secondsSinceLastInput();
-    const Moment asked = moment();
+    const ClockReading asked = clocks();
     const std::optional<WindowInFront> front = m_inspector.front();
     if (auto events = undecided(front, asked)) {
         return std::move(*events);
     }
     const std::optional<Sample> sample = sampleOf(front);
-    const Moment now = moment();
+    const ClockReading now = clocks();
     m_presentUntil = std::max(m_presentUntil, asked.uptime - idle);
     if (idle >= idleThreshold) {
         const bool isHeld =
@@ -185,7 +185,7 @@ Sessionizer::Events Tracker::observe() {
 /// has only just come, nothing at all, a title so soon after the last one. What is open goes on at least
 /// until that came.
 std::optional<Sessionizer::Events> Tracker::undecided(const std::optional<WindowInFront>& front,
-                                                      const Moment& asked) {
+                                                      const ClockReading& asked) {
     if (!front) {
         m_nothingSince = m_nothingSince.value_or(asked);
         return waitFor(bridged - (asked.uptime - m_nothingSince->uptime), m_nothingSince->time);
@@ -229,8 +229,8 @@ std::optional<Sample> Tracker::sampleOf(const std::optional<WindowInFront>& fron
 }
 
 /// When what is in front came; `now` when that is unknown.
-Instant Tracker::cameAt(const std::optional<WindowInFront>& front, const Moment& asked,
-                        const Moment& now) const {
+Instant Tracker::cameAt(const std::optional<WindowInFront>& front, const ClockReading& asked,
+                        const ClockReading& now) const {
     if (!front) {
         return m_nothingSince ? m_nothingSince->time : now.time;
     }
@@ -280,14 +280,14 @@ void Tracker::apply(const Sessionizer::Events& events) {
 }
 
 void Tracker::apply(const Sessionizer::Started& started) {
-    const Moment now = moment();
+    const ClockReading now = clocks();
     m_startedAt = now.uptime;
     m_current = started.sample;
     m_writer.begin(started.sample, started.start, now);
 }
 
 void Tracker::apply(const Sessionizer::Moved& moved) {
-    m_writer.extend(moved.end, moment());
+    m_writer.extend(moved.end, clocks());
 }
 
 void Tracker::apply(const Sessionizer::Closed&) {

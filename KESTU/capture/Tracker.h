@@ -59,12 +59,12 @@ private:
     void tick();
     [[nodiscard]] Sessionizer::Events observe();
     [[nodiscard]] std::optional<Sessionizer::Events> undecided(const std::optional<WindowInFront>& front,
-                                                               const Moment& asked);
+                                                               const ClockReading& asked);
     [[nodiscard]] std::optional<Sessionizer::Events> waitFor(Seconds time, Instant came);
     [[nodiscard]] bool isOtherTitle(const WindowInFront& front) const;
     [[nodiscard]] std::optional<Sample> sampleOf(const std::optional<WindowInFront>& front);
-    [[nodiscard]] Instant cameAt(const std::optional<WindowInFront>& front, const Moment& asked,
-                                 const Moment& now) const;
+    [[nodiscard]] Instant cameAt(const std::optional<WindowInFront>& front, const ClockReading& asked,
+                                 const ClockReading& now) const;
     [[nodiscard]] Sessionizer::Events leave();
     [[nodiscard]] Sessionizer::Events record(const Sample& sample, Instant came, Instant now);
     [[nodiscard]] Instant beginOf(const Sample& sample, Instant came, Instant now) const;
@@ -76,7 +76,7 @@ private:
     void apply(const Sessionizer::Started& started);
     void apply(const Sessionizer::Moved& moved);
     void apply(const Sessionizer::Closed& closed);
-    [[nodiscard]] Moment moment() const { return {.time = m_clock(), .uptime = m_uptime()}; }
+    [[nodiscard]] ClockReading clocks() const { return {.time = m_clock(), .uptime = m_uptime()}; }
 
     Platform& m_platform;
     Clock m_clock;
@@ -85,10 +85,10 @@ private:
     Sessionizer m_sessionizer;
     RowWriter m_writer;
     std::optional<Sample> m_current;
-    std::optional<Sample> m_forgotten;    // by resetSession: when it is seen again, no time lies between
-    std::optional<Moment> m_nothingSince; // nothing is in front
-    std::optional<Instant> m_seenUntil;   // what was seen up to here belongs to no later row
-    Seconds m_presentUntil{};             // the uptime until which the user was certainly there
+    std::optional<Sample> m_forgotten; // by resetSession: when it is seen again, no time lies between
+    std::optional<ClockReading> m_nothingSince; // nothing is in front
+    std::optional<Instant> m_seenUntil;         // what was seen up to here belongs to no later row
+    Seconds m_presentUntil{};                   // the uptime until which the user was certainly there
     QTimer m_timer;
     QTimer m_again;                           // what has only just come decides when it has stayed
     QTimer m_titleTimer;                      // a title has come, and may stay
