@@ -42,7 +42,8 @@ protected:
         layout->addStretch();
         window.resize(398, 512);
         window.show();
-        QApplication::setActiveWindow(&window);
+        window.activateWindow();
+        QCoreApplication::processEvents();
     }
 
     void note(const QString& summary, const QString& author = u"ai"_s) {
