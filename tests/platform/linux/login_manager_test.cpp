@@ -40,6 +40,7 @@ protected:
             list.endStructure();
             held << u"%1: %2 %3"_s.arg(who, what, mode);
         }
+        list.endArray(); // else it leaks
         return held;
     }
 
