@@ -282,9 +282,10 @@ private:
     }
 
     void work(double seconds) {
-        for (; seconds > 0; seconds -= 60) {
+        while (seconds > 0) {
             pass(std::min(seconds, 60.0));
             touch();
+            seconds -= 60;
         }
     }
 

@@ -59,6 +59,7 @@ TEST(Counting, CutsWhatWasRecordedWhereEntriesLie) {
     for (const auto& [name, spans, countedSpans] : rows) {
         const auto activitiesOf = [](const std::vector<Span>& all) {
             std::vector<Activity> activities;
+            activities.reserve(all.size());
             for (const Span& span : all) {
                 activities.push_back(activityFrom(span.id, span.start, span.end, span.id > 9));
             }
