@@ -42,6 +42,7 @@ TEST(FlowLayout, BuildsRows) {
     for (const Case& expected : cases) {
         const std::vector<FlowRow> rows = flowRows(expected.sizes, expected.maximumWidth, 6);
         std::vector<std::vector<std::size_t>> indices;
+        indices.reserve(rows.size());
         for (const FlowRow& row : rows) {
             indices.push_back(row.indices);
         }
