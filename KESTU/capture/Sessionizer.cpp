@@ -7,11 +7,12 @@
 namespace kestu {
 
 Sessionizer::Events Sessionizer::feed(const Sample& sample, Instant now, Instant since) {
-    if (openEnd && isWithinGap(now) && sample == *openSample) {
+    const bool isGoingOn = openEnd && isWithinGap(now);
+    if (isGoingOn && sample == *openSample) {
         return extend(now);
     }
     Instant begin = now;
-    if (openEnd && isWithinGap(now)) {
+    if (isGoingOn) {
         begin = std::clamp(since, *openEnd, std::max(now, *openEnd));
     } else if (!openEnd && std::abs((now - since).count()) <= maxGap.count()) {
         begin = since;

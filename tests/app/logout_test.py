@@ -131,6 +131,9 @@ class Session(contextlib.ExitStack):
     def wait_for_end(self):
         """As a display manager does: when the session's own process has ended, the display goes."""
         self.session.wait(PATIENCE)
+        self.lose_display()
+
+    def lose_display(self):
         self.display.terminate()
         wait_until(lambda: self.exit_code.exists() and self.exit_code.read_text(), "the end of KESTU")
 
@@ -169,9 +172,8 @@ class Logout(unittest.TestCase):
         with Session("", has_tray=False) as session:
             wait_until(session.records, "a row")
             time.sleep(3)
-            session.display.terminate()
             lost = time.time()
-            wait_until(lambda: session.exit_code.exists() and session.exit_code.read_text(), "the end of KESTU")
+            session.lose_display()
             self.assertAlmostEqual(session.rows()[-1][1], lost, delta=2.5)
 
     def check(self, session, logged_out):

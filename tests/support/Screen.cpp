@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <utility>
 
 namespace kestu::test {
 namespace {
@@ -47,6 +48,32 @@ bool isNamed(const QAccessibleInterface& control, const QString& name, QAccessib
     return nameOf(control) == name && (role == QAccessible::NoRole || control.role() == role);
 }
 
+/// Does something on the display and waits until this process has heard of it; then for what that sets off.
+/// What another window takes is never heard of here.
+void doAndHear(QEvent::Type last, const QStringList& command) {
+    class Ear final : public QObject {
+    public:
+        explicit Ear(QEvent::Type type)
+            : m_type(type) {
+            qApp->installEventFilter(this);
+        }
+        bool heard = false;
+
+    protected:
+        bool eventFilter(QObject*, QEvent* event) override {
+            heard = heard || event->type() == m_type;
+            return false;
+        }
+
+    private:
+        QEvent::Type m_type;
+    };
+    const Ear ear(last);
+    outputOf(u"xdotool"_s, command);
+    waitUntil([&] { return ear.heard; }, 500);
+    waitUntil([] { return false; }, 60);
+}
+
 } // namespace
 
 QString nameOf(const QAccessibleInterface& control) {
@@ -63,32 +90,31 @@ QAccessibleInterface* findControl(const QString& name, QAccessible::Role role) {
 }
 
 bool click(const QString& name, QAccessible::Role role) {
-    QAccessibleInterface* control = nullptr;
     const auto answers = [&](const QAccessibleInterface& candidate) {
         return isNamed(candidate, name, role) && !candidate.state().disabled && !candidate.rect().isEmpty();
     };
-    waitUntil(
+    QRect place;
+    const bool isThere = waitUntil(
         [&] {
-            control = findShown(answers);
-            return control != nullptr;
+            QAccessibleInterface* const control = findShown(answers);
+            const QRect before = std::exchange(place, control ? control->rect() : QRect());
+            return control && place == before; // it stands still
         },
         3000);
-    if (control) {
-        clickAt(control->rect().center());
+    if (isThere) {
+        clickAt(place.center());
     }
-    return control != nullptr;
+    return isThere;
 }
 
 void clickAt(const QPoint& point) {
     outputOf(u"xdotool"_s, {u"mousemove"_s, QString::number(point.x()), QString::number(point.y())});
     waitUntil([] { return false; }, 60);
-    outputOf(u"xdotool"_s, {u"click"_s, u"1"_s});
-    waitUntil([] { return false; }, 60);
+    doAndHear(QEvent::MouseButtonRelease, {u"click"_s, u"1"_s});
 }
 
 void pressKey(const QString& keys) {
-    outputOf(u"xdotool"_s, {u"key"_s, keys});
-    waitUntil([] { return false; }, 60);
+    doAndHear(QEvent::KeyRelease, {u"key"_s, keys});
 }
 
 } // namespace kestu::test

@@ -5,18 +5,19 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace kestu {
 namespace {
 
-struct Product {
-    QStringView spelling;
-    QStringView id;
+struct Entry {
+    QStringView spelling; // in any case
+    QStringView meaning;
 };
 
 // Desktop entry ids and window classes of vendor and distribution packages, then Flatpak ids (a reversed
 // host name) and Snap ids ("snap_application").
-constexpr auto products = std::to_array<Product>({
+constexpr auto products = std::to_array<Entry>({
     // Browsers whose page address capture asks for. Test channels count as their browser; Chrome's
     // unstable one has an id of its own there.
     {u"google-chrome", u"com.google.Chrome"},
@@ -113,12 +114,7 @@ constexpr auto products = std::to_array<Product>({
     {u"org.xfce.xfdesktop", u"Xfdesktop"},
 });
 
-struct ShellPart {
-    QStringView id;
-    QStringView name;
-};
-
-constexpr auto shellParts = std::to_array<ShellPart>({
+constexpr auto shellParts = std::to_array<Entry>({
     {u"xfdesktop", u"デスクトップ"},
     {u"org.xfce.xfdesktop", u"デスクトップ"},
     {u"nemo-desktop", u"デスクトップ"},
@@ -133,23 +129,21 @@ constexpr auto shellParts = std::to_array<ShellPart>({
     {u"tint2", u"パネル"},
 });
 
+std::optional<QString> find(std::span<const Entry> table, const QString& spelling) {
+    const auto entry = std::ranges::find_if(table, [&](const Entry& candidate) {
+        return spelling.compare(candidate.spelling, Qt::CaseInsensitive) == 0;
+    });
+    return entry != table.end() ? std::optional(entry->meaning.toString()) : std::nullopt;
+}
+
 } // namespace
 
 std::optional<QString> shellPartName(const QString& id) {
-    const auto* const part = std::ranges::find_if(shellParts, [&](const ShellPart& candidate) {
-        return id.compare(candidate.id, Qt::CaseInsensitive) == 0;
-    });
-    return part != shellParts.end() ? std::optional(part->name.toString()) : std::nullopt;
+    return find(shellParts, id);
 }
 
 std::optional<QString> productId(const QString& spelling) {
-    const auto* const product = std::ranges::find_if(products, [&](const Product& candidate) {
-        return spelling.compare(candidate.spelling, Qt::CaseInsensitive) == 0;
-    });
-    if (product == products.end()) {
-        return std::nullopt;
-    }
-    return product->id.toString();
+    return find(products, spelling);
 }
 
 } // namespace kestu

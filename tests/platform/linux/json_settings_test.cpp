@@ -47,6 +47,17 @@ protected:
         return test::reasonOf([&] { m_settings.setInteger(key, value); });
     }
 
+    void expectFailureOnFullDisk() {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        const rlimit fullDisk{.rlim_cur = 1, .rlim_max = limit.rlim_max}; // no file grows beyond one byte
+        setrlimit(RLIMIT_FSIZE, &fullDisk);
+        const std::string reason = reasonOfSetting(2);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        EXPECT_TRUE(reason.starts_with("設定を保存できませんでした：File too large")) << reason;
+    }
+
     QTemporaryDir m_home;
     QString m_file = m_home.filePath(u"KESTU/settings.json"_s);
     JsonSettings m_settings{m_file};
@@ -143,14 +154,7 @@ TEST_F(JsonSettingsTest, GoOnWithTheLastGoodStateAndKeepEveryUnreadableFileAside
 TEST_F(JsonSettingsTest, StayUnreadableWhenTheyCannotBeMended) {
     m_settings.setInteger(key, 1);
     putFile(m_file, "{");
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit fullDisk{.rlim_cur = 1, .rlim_max = limit.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &fullDisk);
-    const std::string reason = reasonOfSetting(2);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    EXPECT_TRUE(reason.starts_with("設定を保存できませんでした：File too large")) << reason;
+    expectFailureOnFullDisk();
     EXPECT_EQ(contentsOf(m_file), "{");
     EXPECT_EQ(m_settings.integer(key), 1);
 }
@@ -167,15 +171,7 @@ TEST_F(JsonSettingsTest, AsideNamesAreNeverTakenTwice) {
 TEST_F(JsonSettingsTest, StayWholeWhenAWriteFails) {
     m_settings.setInteger(key, 1);
     const QByteArray before = contentsOf(m_file);
-    // No file of this process grows beyond one byte, as on a full disk.
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit fullDisk{.rlim_cur = 1, .rlim_max = limit.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &fullDisk);
-    const std::string reason = reasonOfSetting(2);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    EXPECT_TRUE(reason.starts_with("設定を保存できませんでした：File too large")) << reason;
+    expectFailureOnFullDisk();
     EXPECT_EQ(contentsOf(m_file), before);
 }
 
