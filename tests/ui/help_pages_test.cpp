@@ -10,6 +10,7 @@
 #include "ui/MainWindow.h"
 #include "ui/parts/Texts.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QDir>
 #include <QDirIterator>
@@ -112,6 +113,9 @@ TEST(HelpPages, NameTheKeysOfTheProgramAndNoOthers) {
     for (const QWidget* widget : widgets) {
         for (const QAction* action : widget->actions()) {
             keys << keysText(action->shortcut());
+        }
+        if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+            keys << keysText(button->shortcut());
         }
     }
     keys.removeAll(QString());
