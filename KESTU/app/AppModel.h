@@ -136,6 +136,7 @@ public:
     void refreshAccessibility();
     void openAccessibilitySettings();
     void openAddress(const QUrl& address);
+    void openPage(const QString& path); // of the help
     void openDataFolder();
     /// Asks whether a newer version can be installed; `answered` is called once, later.
     void checkForUpdates(std::function<void(const UpdateAnswer&)> answered);

@@ -159,6 +159,10 @@ void AppModel::openAddress(const QUrl& address) {
     tryPlatform([&] { m_platform.opener().openAddress(address); });
 }
 
+void AppModel::openPage(const QString& path) {
+    tryPlatform([&] { m_platform.opener().openPage(path); });
+}
+
 QString AppModel::dataFolder() const {
     return QFileInfo(m_repository->database().path()).absolutePath();
 }

@@ -15,6 +15,9 @@ public:
     /// @throws PlatformError when no program could be started for it.
     virtual void openFolder(const QString& path) = 0;
     virtual void openAddress(const QUrl& address) = 0;
+
+    /// A page on this machine, in the web browser.
+    virtual void openPage(const QString& path) = 0;
 };
 
 } // namespace kestu

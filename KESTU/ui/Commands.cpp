@@ -72,7 +72,7 @@ void Commands::refreshTracking() {
 }
 
 void Commands::showPage(HelpPage page) {
-    m_model.openAddress(addressOf(page));
+    m_model.openPage(fileOf(page));
 }
 
 QString trackingCommandText(bool isTracking) {

@@ -1,25 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The pages of the product's web site. The base address stands here and nowhere else.
+// The help pages, which are installed with the program.
 #pragma once
 
-#include <QUrl>
+#include <QString>
 
 namespace kestu {
 
 enum class HelpPage { start, support, terms };
 
-[[nodiscard]] inline QUrl addressOf(HelpPage page) {
-    const QUrl base(QStringLiteral("https://kestu.example/"));
-    switch (page) {
-    case HelpPage::support:
-        return base.resolved(QUrl(QStringLiteral("support/")));
-    case HelpPage::terms:
-        return base.resolved(QUrl(QStringLiteral("terms/")));
-    case HelpPage::start:
-        break;
-    }
-    return base.resolved(QUrl(QStringLiteral("start/")));
-}
+/// The page's file in the installed folder; before the program is installed, in the one beside it.
+[[nodiscard]] QString fileOf(HelpPage page);
 
 } // namespace kestu

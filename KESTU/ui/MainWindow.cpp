@@ -94,9 +94,8 @@ void MainWindow::addShortcuts() {
         connect(new QShortcut(keys, m_content), &QShortcut::activated, this,
                 [this, item] { m_model.setScreen(item); });
     };
-    int key = Qt::Key_1;
     for (const SidebarEntry& entry : sidebarEntries) {
-        add(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(key++)), entry.item);
+        add(keysOf(entry.item), entry.item);
     }
     add(QKeySequence(Qt::CTRL | Qt::Key_Comma), SidebarItem::settings);
 }

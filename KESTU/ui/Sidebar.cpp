@@ -5,6 +5,7 @@
 #include "ui/Commands.h"
 #include "ui/TrackingStatus.h"
 #include "ui/controls/IconButton.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Icons.h"
 #include "ui/theme/Theme.h"
 
@@ -112,6 +113,7 @@ QListWidget* makeList() {
     for (const SidebarEntry& entry : sidebarEntries) {
         auto* item = new QListWidgetItem(entry.label.toString(), list);
         item->setData(iconRole, entry.icon.toString());
+        item->setToolTip(tipText(entry.label.toString(), keysOf(entry.item)));
     }
     return list;
 }
@@ -129,6 +131,10 @@ IconButton* makeMenuButton(Commands& commands) {
 }
 
 } // namespace
+
+QKeySequence keysOf(SidebarItem item) {
+    return Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(item));
+}
 
 Sidebar::Sidebar(AppModel& model, Commands& commands)
     : m_model(model)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QKeySequence>
 
 class QListWidget;
 
@@ -11,6 +12,10 @@ namespace kestu {
 
 class AppModel;
 class Commands;
+enum class SidebarItem;
+
+/// The keys that choose a screen.
+[[nodiscard]] QKeySequence keysOf(SidebarItem item);
 
 class Sidebar final : public QFrame {
 public:

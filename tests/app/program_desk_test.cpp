@@ -3,6 +3,7 @@
 // The program as a process: how it starts, refuses, meets a second copy, and ends.
 #include "storage/RepositoryOpener.h"
 #include "support/Desk.h"
+#include "support/Files.h"
 #include "support/PrivateBus.h"
 
 #include <QDir>
@@ -115,6 +116,36 @@ TEST_F(ProgramTest, RefusesAStoreThatItCannotOpenAndLeavesItAsItIs) {
         << "where there is a display a dialog says it";
     test::outputOf(u"xdotool"_s, {u"key"_s, u"Return"_s});
     EXPECT_EQ(kestu.waitForEnd(), 1);
+}
+
+TEST_F(ProgramTest, OpensItsHelpInTheBrowserWhetherInstalledOrNot) {
+    const QString opened = folder.filePath(u"opened"_s);
+    const QString browser = folder.filePath(u"browser"_s);
+    test::putFile(browser, "#!/bin/sh\nprintf %s \"$1\" >" + opened.toUtf8() + '\n');
+    QFile::setPermissions(browser, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    test::installDesktopEntry(u"browser"_s, u"Name=Browser\nExec=%1 %u"_s.arg(browser));
+    test::putFile(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/mimeapps.list"_s,
+                  "[Default Applications]\nx-scheme-handler/http=browser.desktop\n");
+    const QString prefix = folder.filePath(u"prefix"_s);
+    test::outputOf(QStringLiteral(KESTU_CMAKE),
+                   {u"--install"_s, QStringLiteral(KESTU_BUILD), u"--prefix"_s, prefix});
+    const std::pair<QString, QString> rowsOfTest[] = {
+        {program, QStringLiteral(KESTU_BUILD) + u"/help"_s},
+        {prefix + u"/bin/kestu"_s, prefix + u"/share/kestu/help"_s},
+    };
+    for (const auto& [place, help] : rowsOfTest) {
+        QFile::remove(opened);
+        Program kestu(place, {}, environment());
+        ASSERT_TRUE(waitUntil([] { return isWindowShown(u"タイムライン.*"_s); }, patience));
+        test::outputOf(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^タイムライン"_s,
+                                      u"windowactivate"_s, u"--sync"_s, u"key"_s, u"F1"_s});
+        const QString page = help + u"/start/index.html"_s;
+        EXPECT_TRUE(waitUntil([&] { return test::contentsOf(opened) == page.toUtf8(); }, patience))
+            << test::contentsOf(opened).toStdString();
+        EXPECT_TRUE(QFile::exists(help + u"/kestu.svg"_s)) << "what the page shows";
+        kestu.send(SIGTERM);
+        EXPECT_EQ(kestu.waitForEnd(), 0);
+    }
 }
 
 TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {

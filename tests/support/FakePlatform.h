@@ -145,9 +145,11 @@ private:
 struct FakeOpener final : Opener {
     QStringList folders;
     QList<QUrl> addresses;
+    QStringList pages;
 
     void openFolder(const QString& path) override { folders << path; }
     void openAddress(const QUrl& address) override { addresses << address; }
+    void openPage(const QString& path) override { pages << path; }
 };
 
 struct FakeAccessibility final : Accessibility {

@@ -276,9 +276,8 @@ TEST_F(ShellTest, OpensTheHelpPagesAndAnswersWhetherThereIsANewerVersion) {
     EXPECT_TRUE(click(u"うまくいかないとき"_s, QAccessible::MenuItem));
     EXPECT_TRUE(click(u"メニュー"_s));
     EXPECT_TRUE(click(u"利用規約"_s, QAccessible::MenuItem));
-    EXPECT_EQ(
-        platform.fakeOpener.addresses,
-        (QList<QUrl>{addressOf(HelpPage::start), addressOf(HelpPage::support), addressOf(HelpPage::terms)}));
+    EXPECT_EQ(platform.fakeOpener.pages,
+              (QStringList{fileOf(HelpPage::start), fileOf(HelpPage::support), fileOf(HelpPage::terms)}));
 
     const std::pair<UpdateAnswer, QString> rowsOfTest[] = {
         {{.kind = UpdateAnswer::Kind::available, .version = u"9.1"_s},

@@ -16,9 +16,23 @@ struct ErrorRelease {
     void operator()(GError* error) const { g_error_free(error); }
 };
 
-void launch(const QUrl& address, const QString& failure) {
+struct ObjectRelease {
+    void operator()(GAppInfo* object) const { g_object_unref(object); }
+};
+
+gboolean launch(const QUrl& address, GAppInfo* program, GError** error) {
+    QByteArray text = address.toEncoded();
+    if (!program) {
+        return g_app_info_launch_default_for_uri(text.constData(), nullptr, error);
+    }
+    GList list{.data = text.data(), .next = nullptr, .prev = nullptr};
+    return g_app_info_launch_uris(program, &list, nullptr, error);
+}
+
+/// With `program`, or with the one that the desktop has set for such an address.
+void open(const QUrl& address, const QString& failure, GAppInfo* program = nullptr) {
     GError* raised = nullptr;
-    if (g_app_info_launch_default_for_uri(address.toEncoded().constData(), nullptr, &raised) != FALSE) {
+    if (launch(address, program, &raised) != FALSE) {
         return;
     }
     const std::unique_ptr<GError, ErrorRelease> error{raised};
@@ -35,7 +49,7 @@ void DesktopOpener::openFolder(const QString& path) {
     if (!folder.isDir()) {
         throw PlatformError(failure + QStringLiteral("フォルダが見つかりません（%1）").arg(path));
     }
-    launch(QUrl::fromLocalFile(folder.absoluteFilePath()), failure);
+    open(QUrl::fromLocalFile(folder.absoluteFilePath()), failure);
 }
 
 void DesktopOpener::openAddress(const QUrl& address) {
@@ -45,7 +59,18 @@ void DesktopOpener::openAddress(const QUrl& address) {
         throw PlatformError(failure +
                             QStringLiteral("Web アドレスではありません（%1）").arg(address.toString()));
     }
-    launch(address, failure);
+    open(address, failure);
+}
+
+void DesktopOpener::openPage(const QString& path) {
+    const QString failure = QStringLiteral("ヘルプを開けませんでした：");
+    const QFileInfo page(path);
+    if (!page.isFile()) {
+        throw PlatformError(failure + QStringLiteral("ページが見つかりません（%1）").arg(path));
+    }
+    // An editor may have been set for files of this kind.
+    const std::unique_ptr<GAppInfo, ObjectRelease> browser{g_app_info_get_default_for_uri_scheme("http")};
+    open(QUrl::fromLocalFile(page.absoluteFilePath()), failure, browser.get());
 }
 
 } // namespace kestu

@@ -14,6 +14,9 @@ public:
 
     /// Addresses of the web (http, https) only.
     void openAddress(const QUrl& address) override;
+
+    /// Existing files only.
+    void openPage(const QString& path) override;
 };
 
 } // namespace kestu

@@ -5,6 +5,10 @@
 #include "ui/theme/Theme.h"
 
 #include <QLocale>
+#include <QRegularExpression>
+#include <QWidget>
+
+#include <utility>
 
 namespace kestu {
 
@@ -57,6 +61,25 @@ QString labelOf(RuleOperator op) {
 
 QString sentenceOf(RuleField field, RuleOperator op, const QString& value) {
     return QStringLiteral("%1 が %2 %3").arg(labelOf(field), value, labelOf(op));
+}
+
+QString keysText(const QKeySequence& keys) {
+    constexpr std::pair<QStringView, QStringView> arrows[] = {
+        {u"Left", u"←"}, {u"Right", u"→"}, {u"Up", u"↑"}, {u"Down", u"↓"}};
+    QString text = keys.toString(QKeySequence::PortableText);
+    for (const auto& [word, arrow] : arrows) {
+        text.replace(QRegularExpression(QStringLiteral("\\b%1\\b").arg(word)), arrow.toString());
+    }
+    return text;
+}
+
+QString tipText(const QString& name, const QKeySequence& keys) {
+    return QStringLiteral("%1（%2）").arg(name, keysText(keys));
+}
+
+void tellKeys(QWidget& control, const QString& name, const QKeySequence& keys) {
+    control.setToolTip(tipText(name, keys));
+    control.setAccessibleDescription(keysText(keys));
 }
 
 QString projectName(const AppModel& model, std::optional<ProjectId> id) {

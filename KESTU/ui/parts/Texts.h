@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The words that several screens share: dates and times of day in their Japanese forms whatever the locale,
-// the labels of rules, and how a project or tag that may be gone is named and coloured.
+// the labels of rules, keys, and how a project or tag that may be gone is named and coloured.
 #pragma once
 
 #include "base/LocalClock.h"
 #include "storage/Records.h"
 
 #include <QColor>
+#include <QKeySequence>
 #include <QString>
 
 #include <optional>
+
+class QWidget;
 
 namespace kestu {
 
@@ -28,6 +31,13 @@ class AppModel;
 [[nodiscard]] QString labelOf(RuleOperator op);
 /// "ドメイン が example.jp と一致".
 [[nodiscard]] QString sentenceOf(RuleField field, RuleOperator op, const QString& value);
+
+/// As keys are written beside what they do: "Alt+←".
+[[nodiscard]] QString keysText(const QKeySequence& keys);
+/// The tooltip of what has keys: "前の日（Alt+←）".
+[[nodiscard]] QString tipText(const QString& name, const QKeySequence& keys);
+/// Tells a control's keys, in its tooltip and to assistive technology, which says the name by itself.
+void tellKeys(QWidget& control, const QString& name, const QKeySequence& keys);
 
 /// Without a project, or with one that is gone: 未分類, and an invalid colour, which widgets take for that of
 /// unassigned time.

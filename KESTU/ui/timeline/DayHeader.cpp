@@ -50,6 +50,10 @@ DayHeader::DayHeader(AppModel& model)
     m_add->setAccessibleName(addText());
     m_add->setAutoDefault(false);
     m_today->setAutoDefault(false);
+    tellKeys(*m_add, addText(), dayKeys::add);
+    tellKeys(*m_previous, m_previous->accessibleName(), dayKeys::previous);
+    tellKeys(*m_today, m_today->text(), dayKeys::today);
+    tellKeys(*m_next, m_next->accessibleName(), dayKeys::next);
     connect(m_add, &QPushButton::clicked, this, &DayHeader::add);
     connect(m_previous, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(-1); });
     connect(m_today, &QPushButton::clicked, this, [this] { m_model.goToToday(); });
@@ -98,7 +102,6 @@ void DayHeader::resizeEvent(QResizeEvent* event) {
     const bool isNarrow = width() < narrowColumn;
     m_row->setSpacing(isNarrow ? narrowGap : gap);
     m_add->setText(isNarrow ? QString() : addText());
-    m_add->setToolTip(isNarrow ? addText() : QString());
     const int padding = isNarrow ? narrowPadding : buttonPadding;
     m_today->setFixedWidth(widthOf(m_today->text(), m_today->font()) + padding * 2);
 }

@@ -15,6 +15,14 @@ class AppModel;
 class IconButton;
 class TextLabel;
 
+/// The keys of its buttons.
+namespace dayKeys {
+inline constexpr QKeyCombination add = Qt::CTRL | Qt::Key_N;
+inline constexpr QKeyCombination today = Qt::CTRL | Qt::Key_T;
+inline constexpr QKeyCombination previous = Qt::ALT | Qt::Key_Left;
+inline constexpr QKeyCombination next = Qt::ALT | Qt::Key_Right;
+} // namespace dayKeys
+
 class DayHeader final : public QWidget {
     Q_OBJECT
 

@@ -3,6 +3,7 @@
 
 #include "app/AppModel.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -38,7 +39,9 @@ DayNoteEditor::DayNoteEditor(QWidget* host, AppModel& model)
     content()->addWidget(m_text);
     connect(addButton(QStringLiteral("キャンセル")), &QPushButton::clicked, this, &Sheet::cancel);
     // The text takes Return for itself, so that only Ctrl+Return comes to the default button.
-    connect(addButton(QStringLiteral("保存"), true), &QPushButton::clicked, this, &DayNoteEditor::save);
+    QPushButton* const save = addButton(QStringLiteral("保存"), true);
+    tellKeys(*save, save->text(), Qt::CTRL | Qt::Key_Return);
+    connect(save, &QPushButton::clicked, this, &DayNoteEditor::save);
     setFirstFocus(m_text);
 }
 

@@ -124,12 +124,17 @@ TEST_F(InstalledDesktop, OpensFoldersAndWebPagesWithTheirHandler) {
     opener.openAddress(QUrl(u"http://例え.jp/a b?q=%26"_s));
     EXPECT_TRUE(openedBecomes("http://xn--r8jz45g.jp/a%20b?q=%26\n"))
         << contentsOf(path("opened")).toStdString();
+    test::putFile(path("ヘルプ 1/start.html"), "<p>");
+    opener.openPage(path("ヘルプ 1/start.html"));
+    EXPECT_TRUE(openedBecomes("/ヘルプ 1/start.html\n")) << contentsOf(path("opened")).toStdString();
 }
 
 TEST_F(InstalledDesktop, SaysWhyNothingWasOpened) {
     DesktopOpener opener;
     EXPECT_THAT(reasonOf([&] { opener.openFolder(path("bin/tool")); }),
                 MatchesRegex("フォルダを開けませんでした：フォルダが見つかりません.*/bin/tool.*"));
+    EXPECT_THAT(reasonOf([&] { opener.openPage(path("bin")); }),
+                MatchesRegex("ヘルプを開けませんでした：ページが見つかりません.*/bin.*"));
     const auto reason = [&](const QString& address) {
         return reasonOf([&] { opener.openAddress(QUrl(address)); });
     };
