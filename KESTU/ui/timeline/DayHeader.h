@@ -15,14 +15,14 @@ class AppModel;
 class IconButton;
 class TextLabel;
 
+/// Opens the sheet with the entry that is most likely to be missing on the selected day.
+void proposeEntry(AppModel& model);
+
 class DayHeader final : public QWidget {
     Q_OBJECT
 
 public:
     explicit DayHeader(AppModel& model);
-
-    /// Opens the sheet with the entry that is most likely to be missing.
-    void add();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -74,18 +74,12 @@ QScrollArea* TimelineScreen::makeColumn() {
 }
 
 void TimelineScreen::addShortcuts() {
-    addShortcut(Qt::CTRL | Qt::Key_T, [this] {
-        if (!m_model.isTodaySelected()) {
-            m_model.goToToday();
-        }
-    });
     addShortcut(Qt::ALT | Qt::Key_Left, [this] { m_model.shiftDay(-1); });
     addShortcut(Qt::ALT | Qt::Key_Right, [this] {
         if (!m_model.isTodaySelected()) {
             m_model.shiftDay(1);
         }
     });
-    addShortcut(Qt::CTRL | Qt::Key_N, [this] { m_header->add(); });
     addShortcut(Qt::Key_Escape, [this] { m_model.setSelectedActivityId(std::nullopt); });
 }
 
