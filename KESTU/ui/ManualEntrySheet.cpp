@@ -90,13 +90,17 @@ FormSection* ManualEntrySheet::makeTimes() {
     section->addRow(QStringLiteral("終了"), m_end);
     section->addRow(QStringLiteral("長さ"), m_length);
     auto* warning = new QWidget;
-    auto* row = new QHBoxLayout(warning);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto* row = new QHBoxLayout;
     row->setSpacing(6);
     row->addWidget(
         new IconView(QStringLiteral("exclamationmark.triangle"), metrics::icon, &Colors::orangeText), 0,
         Qt::AlignTop);
     row->addWidget(m_warning, 1);
+    auto* column = new QVBoxLayout(warning); // in which one line stands in the middle, beside its icon
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addStretch();
+    column->addLayout(row);
+    column->addStretch();
     m_warningRow = section->addRow(warning);
     return section;
 }
