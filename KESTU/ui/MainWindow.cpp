@@ -193,7 +193,8 @@ void MainWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
-bool MainWindow::holdsDraft() const {
+bool MainWindow::holdsDraft() {
+    QGuiApplication::inputMethod()->commit();
     const auto widgets = findChildren<QWidget*>();
     return std::any_of(widgets.begin(), widgets.end(), [](const QWidget* widget) {
         const auto* holder = dynamic_cast<const DraftHolder*>(widget);
@@ -212,8 +213,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     if (mayClose && !mayClose()) {
         return;
     }
-    QGuiApplication::inputMethod()->commit(); // a name is stored as it is typed
-    if (holdsDraft() && !m_mayLoseDraft) {
+    if (!m_mayLoseDraft && holdsDraft()) {
         discardThen([this] {
             m_mayLoseDraft = true;
             close();

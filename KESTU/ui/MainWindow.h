@@ -31,8 +31,8 @@ public:
     /// Called by the user's wish to close; true: the window may go, false: it stays.
     std::function<bool()> mayClose;
 
-    /// Whether something in it is typed that is stored nowhere.
-    [[nodiscard]] bool holdsDraft() const;
+    /// Whether something in it is typed that is stored nowhere; a name that is still composed is stored.
+    [[nodiscard]] bool holdsDraft();
     /// Calls `next` once the user has agreed to lose it.
     void discardThen(const std::function<void()>& next);
 

@@ -200,7 +200,7 @@ Instant ManualEntrySheet::instantIn(const WallTime& time, Instant former) const 
 }
 
 /// Times that nobody touched keep their seconds; from then on what is shown is what is meant.
-void ManualEntrySheet::takeTimes() {
+void ManualEntrySheet::dropSeconds() {
     const Calendar calendar = m_model.calendar();
     m_draft.start = shownMinute(m_draft.start, calendar);
     m_draft.end = shownMinute(m_draft.end, calendar);
@@ -208,20 +208,18 @@ void ManualEntrySheet::takeTimes() {
 
 /// The end goes along, so that the length stays; a wrong one has no length that anybody wants.
 void ManualEntrySheet::takeStart() {
-    takeTimes();
+    dropSeconds();
     const Seconds length = m_draft.end - m_draft.start;
     m_draft.start = instantIn(m_start->entry().value(), m_draft.start);
     if (length > Seconds{0}) {
         m_draft.end = m_draft.start + length;
     }
     showTimes();
-    refresh();
 }
 
 void ManualEntrySheet::takeEnd() {
-    takeTimes();
+    dropSeconds();
     m_draft.end = instantIn(m_end->entry().value(), m_draft.end);
-    refresh();
 }
 
 void ManualEntrySheet::showTimes() {

@@ -45,7 +45,7 @@ private:
     [[nodiscard]] QString objectionTo(const WallTime& time) const;
     [[nodiscard]] Instant instantIn(const WallTime& time, Instant former) const;
     [[nodiscard]] Instant shownEnd() const;
-    void takeTimes();
+    void dropSeconds();
     void takeStart();
     void takeEnd();
     void showTimes();

@@ -363,6 +363,12 @@ TEST_F(ShellTest, BeginsOnTheNamedScreenAndFollowsTheSidebar) {
         pressKey(key);
         EXPECT_EQ(model->screen(), screen) << key.toStdString();
     }
+    pressKey(u"ctrl+2"_s);
+    const auto isElsewhere = [] { return !test::findControl(u"いま"_s)->state().disabled; };
+    EXPECT_FALSE(isElsewhere());
+    pressKey(u"alt+Left"_s);
+    EXPECT_TRUE(waitUntil(isElsewhere, patience));
+    pressKey(u"ctrl+comma"_s);
     model->setErrorMessage(u"x"_s);
     pressKey(u"ctrl+1"_s);
     EXPECT_EQ(model->screen(), SidebarItem::settings) << "not beneath an alert";

@@ -16,6 +16,8 @@ using Parts = DateTimeEntry::Parts;
 constexpr int firstYear = 1970;
 constexpr int lastYear = 2999;
 constexpr qsizetype longestName = 60; // of a time, in letters
+constexpr qsizetype mostDigits = 4;   // of one section, or of hour and minute
+constexpr int longestLeap = 1500;     // in minutes, over what the clocks of any zone leave out
 
 int& at(Parts& parts, Section section) {
     return parts.at(static_cast<std::size_t>(section));
@@ -120,9 +122,9 @@ const QRegularExpression& timeNames() {
         QStringLiteral("^(?<date>(?:(?<year>\\d{4})[年/.-](?<month>\\d{1,2})[月/.-](?<day>\\d{1,2})日?"
                        "|(?<monthAlone>\\d{1,2})[月/](?<dayAlone>\\d{1,2})日?|(?<compactDate>\\d{8}))"
                        "(?:\\s*\\([日月火水木金土]\\)|\\s*[日月火水木金土]曜日?)?(?:$|[\\s,T]+|(?<!\\d)))?"
-                       "(?<time>(?:(?<before>午前|午後|am|pm)\\s*)?(?<hour>\\d{1,2})"
+                       "(?<time>(?!\\d{1,2}$)(?:(?<before>午前|午後|am|pm)\\s*)?(?<hour>\\d{1,2})"
                        "(?::(?<minute>\\d{2})(?::\\d{2}(?:\\.\\d+)?)?|時(?:(?<spelt>\\d{1,2})分(?:\\d{1,2}秒)"
-                       "?|(?<half>半))?)"
+                       "?|(?<half>半))?)?"
                        "(?:\\s*(?<after>am|pm))?|(?<compactTime>\\d{3,4}))?$"),
         QRegularExpression::CaseInsensitiveOption);
     return pattern;
@@ -373,6 +375,15 @@ bool DateTimeEntry::finish() {
 }
 
 void DateTimeEntry::paste(const QString& text) {
+    const bool isDigits =
+        std::all_of(text.begin(), text.end(), [](QChar letter) { return letter.isDigit(); });
+    if (isDigits && !text.isEmpty() && text.size() <= mostDigits) {
+        select(section());
+        for (const QChar digit : text) {
+            type(digit);
+        }
+        return;
+    }
     const auto named = namedTime(text, m_value.date.year());
     if (!named) {
         complain(QStringLiteral("日時は「2026/11/23 14:30」のように入力してください。"));
@@ -395,8 +406,7 @@ void DateTimeEntry::step(int steps, const WallTime& earliest) {
     select(section());
     const int direction = steps < 0 ? -1 : 1;
     const QDateTime from = dateTimeOf(m_value);
-    // Over what the clocks leave out.
-    for (int distance = steps; std::abs(distance) < std::abs(steps) + 1500; distance += direction) {
+    for (int distance = steps; std::abs(distance) < std::abs(steps) + longestLeap; distance += direction) {
         const QDateTime to = m_section == Section::year    ? from.addYears(distance)
                              : m_section == Section::month ? from.addMonths(distance)
                              : m_section == Section::day   ? from.addDays(distance)

@@ -66,8 +66,10 @@ public:
     /// A digit, of any width, or a separator; anything else is ignored (false).
     bool type(QChar character);
     void eraseLast();
+    /// A few digits are as typed; else a date, a time or both.
     void paste(const QString& text);
-    /// Adds to the selected section, carrying over; never to before `earliest` from behind it.
+    /// Adds to the selected section, carrying over, past what cannot be meant; never to before `earliest`
+    /// from behind it.
     void step(int steps, const WallTime& earliest);
     void setDate(QDate date);
     /// The typing has ended; false when it left no time.

@@ -13,8 +13,6 @@
 #include <QMenu>
 #include <QToolButton>
 
-#include <algorithm>
-
 namespace kestu {
 namespace {
 
@@ -23,7 +21,6 @@ using Section = DateTimeEntry::Section;
 constexpr QSize fieldSize{226, metrics::controlHeight};
 constexpr int buttonWidth = 26;
 constexpr int pageSteps = 10;
-constexpr qsizetype mostDigits = 12; // of a date and a time
 
 } // namespace
 
@@ -97,15 +94,8 @@ QValidator::State DateTimeField::validate(QString& /*text*/, int& /*position*/) 
 }
 
 void DateTimeField::take(const QString& text) {
-    const bool isTyped = std::all_of(text.begin(), text.end(), [](QChar letter) { return letter.isDigit(); });
-    if (text.size() == 1 || isTyped) {
-        for (const QChar letter : text.left(mostDigits)) {
-            if (!m_entry.type(letter)) {
-                m_entry.paste(text); // which says what is wanted
-            }
-        }
-    } else {
-        m_entry.paste(text);
+    if (text.size() != 1 || !m_entry.type(text.front())) {
+        m_entry.paste(text); // which says what is wanted
     }
     refresh();
 }
@@ -177,8 +167,7 @@ void DateTimeField::keyPressEvent(QKeyEvent* event) {
 }
 
 void DateTimeField::paste() {
-    m_entry.paste(QGuiApplication::clipboard()->text());
-    refresh();
+    take(QGuiApplication::clipboard()->text());
 }
 
 void DateTimeField::copy() const {

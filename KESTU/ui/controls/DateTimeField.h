@@ -42,10 +42,10 @@ public:
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 Q_SIGNALS:
-    /// What is shown changed, or what there is to be told.
-    void changed();
     /// The user gave another time; not emitted by setWallTime.
     void edited();
+    /// What is shown changed, or what there is to be told; after edited().
+    void changed();
 
 protected:
     [[nodiscard]] StepEnabled stepEnabled() const override { return StepUpEnabled | StepDownEnabled; }

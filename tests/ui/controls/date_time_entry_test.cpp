@@ -166,6 +166,7 @@ TEST(DateTimeEntry, UnderstandsPastedTimesAndLeavesTheRestAlone) {
         {u"2:30 PM"_s, {{}, QTime(14, 30)}},
         {u"12:05 am"_s, {{}, QTime(0, 5)}},
         {u"9時"_s, {{}, QTime(9, 0)}},
+        {u"2 pm"_s, {{}, QTime(14, 0)}},
         {u"930"_s, {{}, QTime(9, 30)}},
     };
     for (const auto& [text, named] : understood) {
@@ -177,6 +178,7 @@ TEST(DateTimeEntry, UnderstandsPastedTimesAndLeavesTheRestAlone) {
                                u"14:30🕝"_s,
                                u"明日"_s,
                                u"3.14"_s,
+                               u"2026/11/23 9"_s,
                                u"24:00"_s,
                                u"14:60"_s,
                                u"午後14時"_s,
@@ -199,7 +201,10 @@ TEST(DateTimeEntry, UnderstandsPastedTimesAndLeavesTheRestAlone) {
         EXPECT_FALSE(entry.isWrong());
         EXPECT_FALSE(entry.takeEdited() && entry.value() != before);
     }
-    DateTimeEntry entry = entryAt(Section::hour);
+    DateTimeEntry entry = entryAt(Section::minute);
+    entry.paste(u"３０"_s);
+    EXPECT_EQ(entry.text(), u"2026/03/08 10:30"_s) << "digits are as typed";
+    entry.set(before);
     entry.paste(u"2:30"_s);
     EXPECT_EQ(entry.value(), before);
     EXPECT_EQ(entry.complaint(), u"gap"_s);
