@@ -158,7 +158,7 @@ public:
     /// The tag is set by hand when it is not yet, also where a rule gives it.
     void toggleTag(TagId tagId, const Activity& activity);
 
-    /// False when the new category could not be made and nothing was done: the sheet stays open.
+    /// False when the new category or the rule could not be made and nothing was done: the sheet stays open.
     bool classify(const UnassignedGroup& group, const Classification& classification);
 
     // Categories, rules and suggestions
@@ -169,14 +169,19 @@ public:
                                         const std::optional<QString>& colorHex = {});
     void deleteCategory(CategoryKind kind, RowId id);
     void updateRule(const Rule& rule);
-    void addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value);
+    /// False after a failure.
+    bool addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value);
     void deleteRule(RuleId id);
     void acceptSuggestion(const RuleSuggestion& shown);
     void dismissSuggestion(const RuleSuggestion& shown);
 
+    struct NoteSaving {
+        bool isSaved = false;
+        std::optional<DailyNote> other; // for which it was not
+    };
     /// For the day of that key, for the selected one may change while its note is written. An empty text
-    /// clears the note. False after a failure.
-    bool saveDayNote(const QString& day, const QString& text);
+    /// clears the note. It replaces the text that the writer has `seen`, and no other.
+    NoteSaving saveDayNote(const QString& day, const QString& text, const QString& seen);
 
 Q_SIGNALS:
     void userPausedChanged();

@@ -137,8 +137,10 @@ bool AppModel::classify(const UnassignedGroup& group, const Classification& clas
     const CategoryKind kind = classification.kind;
     const RowId target = *classification.targetId;
     if (classification.makeRule) {
-        addRule({.kind = kind, .id = target}, classification.field, classification.op, classification.value);
-    } else if (kind == CategoryKind::project) {
+        return addRule({.kind = kind, .id = target}, classification.field, classification.op,
+                       classification.value);
+    }
+    if (kind == CategoryKind::project) {
         assignProject(target, group.activityIds);
     } else {
         setTag(target, group.activityIds, true);
@@ -205,11 +207,10 @@ void AppModel::updateRule(const Rule& rule) {
     write([&](Repository& repository) { repository.updateRule(rule); });
 }
 
-void AppModel::addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value) {
+bool AppModel::addRule(const RuleTarget& target, RuleField field, RuleOperator op, const QString& value) {
     const QString trimmed = trimmedBlanks(value);
-    if (!trimmed.isEmpty()) {
-        write([&](Repository& repository) { repository.insertRule(target, field, op, trimmed); });
-    }
+    return trimmed.isEmpty() ||
+           write([&](Repository& repository) { repository.insertRule(target, field, op, trimmed); });
 }
 
 void AppModel::deleteRule(RuleId id) {
@@ -224,9 +225,20 @@ void AppModel::dismissSuggestion(const RuleSuggestion& shown) {
     write([&](Repository& repository) { repository.deleteSuggestion(shown); });
 }
 
-bool AppModel::saveDayNote(const QString& day, const QString& text) {
-    return write(
-        [&](Repository& repository) { repository.saveDailyNote(day, text, QStringLiteral("user")); });
+AppModel::NoteSaving AppModel::saveDayNote(const QString& day, const QString& text, const QString& seen) {
+    NoteSaving saving;
+    const bool isDone = write([&](Repository& repository) {
+        repository.database().transaction([&] {
+            const auto stored = repository.dailyNote(day);
+            if (stored && stored->summary != seen && stored->summary != trimmedWhiteSpace(text)) {
+                saving.other = stored;
+            } else {
+                repository.saveDailyNote(day, text, QStringLiteral("user"));
+            }
+        });
+    });
+    saving.isSaved = isDone && !saving.other;
+    return saving;
 }
 
 } // namespace kestu

@@ -15,6 +15,8 @@ struct Classification {
     RuleField field = RuleField::app;
     RuleOperator op = RuleOperator::equals;
     QString value;
+
+    bool operator==(const Classification&) const = default;
 };
 
 } // namespace kestu

@@ -4,7 +4,6 @@
 #include "app/AppModel.h"
 #include "ui/HelpPages.h"
 
-#include <QCoreApplication>
 #include <QMenu>
 
 namespace kestu {
@@ -27,7 +26,7 @@ Commands::Commands(AppModel& model)
     connect(&m_help, &QAction::triggered, this, [this] { showPage(HelpPage::start); });
     connect(&m_support, &QAction::triggered, this, [this] { showPage(HelpPage::support); });
     connect(&m_terms, &QAction::triggered, this, [this] { showPage(HelpPage::terms); });
-    connect(&m_quit, &QAction::triggered, this, &Commands::quit);
+    connect(&m_quit, &QAction::triggered, this, &Commands::quitRequested);
     connect(&m_model, &AppModel::isTrackingChanged, this, &Commands::refreshTracking);
     refreshTracking();
 }
@@ -60,11 +59,6 @@ void Commands::offerVersion(const QString& version) {
 void Commands::open() {
     m_model.goToToday();
     Q_EMIT openRequested();
-}
-
-void Commands::quit() {
-    // Not QCoreApplication::quit(), which asks the windows first: without a tray they refuse to close.
-    QCoreApplication::exit();
 }
 
 void Commands::refreshTracking() {

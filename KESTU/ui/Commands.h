@@ -33,10 +33,10 @@ public:
     void offerVersion(const QString& version);
 
     void open();
-    void quit();
 
 Q_SIGNALS:
     void openRequested();
+    void quitRequested();
     void updateCheckRequested();
 
 private:

@@ -13,9 +13,12 @@
 #include "ui/projects/ProjectsScreen.h"
 #include "ui/report/ReportScreen.h"
 #include "ui/settings/SettingsScreen.h"
+#include "ui/timeline/DayHeader.h"
 #include "ui/timeline/TimelineScreen.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -90,14 +93,24 @@ QWidget* MainWindow::makeDetail() {
 
 /// They belong to the content, so that they rest while a sheet covers it.
 void MainWindow::addShortcuts() {
-    const auto add = [this](const QKeySequence& keys, SidebarItem item) {
-        connect(new QShortcut(keys, m_content), &QShortcut::activated, this,
-                [this, item] { m_model.setScreen(item); });
+    const auto add = [this](
+                         const QKeySequence& keys, SidebarItem item,
+                         const std::function<void()>& then = [] {}) {
+        connect(new QShortcut(keys, m_content), &QShortcut::activated, this, [this, item, then] {
+            m_model.setScreen(item);
+            then();
+        });
     };
     for (const SidebarEntry& entry : sidebarEntries) {
         add(keysOf(entry.item), entry.item);
     }
     add(QKeySequence(Qt::CTRL | Qt::Key_Comma), SidebarItem::settings);
+    add(QKeySequence(dayKeys::add), SidebarItem::timeline, [this] { proposeEntry(m_model); });
+    add(QKeySequence(dayKeys::today), SidebarItem::timeline, [this] {
+        if (!m_model.isTodaySelected()) {
+            m_model.goToToday();
+        }
+    });
 }
 
 void MainWindow::showMessage(const QString& title, const QString& text) {
@@ -179,17 +192,35 @@ void MainWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
 }
 
-/// What is half-typed in a sheet is nowhere else.
-bool MainWindow::isBeingWrittenIn() const {
-    const auto sheets = findChildren<Sheet*>();
-    return std::any_of(sheets.begin(), sheets.end(), [](const Sheet* sheet) { return sheet->holdsInput(); });
+bool MainWindow::holdsDraft() {
+    QGuiApplication::inputMethod()->commit();
+    const auto widgets = findChildren<QWidget*>();
+    return std::any_of(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+        const auto* holder = dynamic_cast<const DraftHolder*>(widget);
+        return holder && holder->holdsDraft();
+    });
+}
+
+void MainWindow::discardThen(const std::function<void()>& next) {
+    if (!m_discardQuestion) {
+        m_discardQuestion = Alert::askToDiscard(this, next);
+    }
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if ((mayClose && !mayClose()) || isBeingWrittenIn()) {
-        event->ignore();
+    event->ignore();
+    if (mayClose && !mayClose()) {
         return;
     }
+    if (!m_mayLoseDraft && holdsDraft()) {
+        discardThen([this] {
+            m_mayLoseDraft = true;
+            close();
+            m_mayLoseDraft = false; // it may have been minimised
+        });
+        return;
+    }
+    m_model.setManualDraft(std::nullopt); // its sheet goes with the window
     event->accept();
 }
 

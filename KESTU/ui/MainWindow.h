@@ -31,6 +31,11 @@ public:
     /// Called by the user's wish to close; true: the window may go, false: it stays.
     std::function<bool()> mayClose;
 
+    /// Whether something in it is typed that is stored nowhere; a name that is still composed is stored.
+    [[nodiscard]] bool holdsDraft();
+    /// Calls `next` once the user has agreed to lose it.
+    void discardThen(const std::function<void()>& next);
+
     /// A message with the one button OK.
     void showMessage(const QString& title, const QString& text);
 
@@ -42,7 +47,6 @@ protected:
 
 private:
     [[nodiscard]] QWidget* makeDetail();
-    [[nodiscard]] bool isBeingWrittenIn() const;
     [[nodiscard]] QWidget* makeScreen(SidebarItem item);
     void addShortcuts();
     void showWelcome();
@@ -60,6 +64,8 @@ private:
     QStackedWidget* m_screens;
     std::array<QWidget*, sidebarEntries.size()> m_screenOf{}; // null until first shown
     Alert* m_errorAlert = nullptr;
+    QPointer<Alert> m_discardQuestion;
+    bool m_mayLoseDraft = false;
     QPointer<ManualEntrySheet> m_manualEntry; // while the model has a draft
 };
 

@@ -5,6 +5,7 @@
 #include "base/LocalClock.h"
 #include "base/Text.h"
 #include "classify/DurationText.h"
+#include "ui/controls/Composition.h"
 #include "ui/controls/DateTimeField.h"
 #include "ui/controls/FlowLayout.h"
 #include "ui/controls/FormSection.h"
@@ -32,27 +33,21 @@ constexpr Seconds shortestEntry{60};
 constexpr double smallestWarning = 60; // seconds
 
 /// What the clock on the wall shows; whole minutes.
-void showInstant(DateTimeField& field, Instant instant, const Calendar& calendar) {
+WallTime wallTime(Instant instant, const Calendar& calendar) {
     const auto local = LocalClock(calendar).at(instant);
-    if (local) {
-        field.setWallTime(local->date, QTime(local->secondOfDay / 3600, local->secondOfDay / 60 % 60));
-    }
+    return local ? WallTime{.date = local->date,
+                            .time = QTime(local->secondOfDay / 3600, local->secondOfDay / 60 % 60)}
+                 : WallTime{};
 }
 
-/// Of two instants with the same time on the wall, as when the clocks are set back, the one near `former`.
-Instant instantIn(const DateTimeField& field, const Calendar& calendar, Instant former) {
-    const QDateTime local(field.date(), field.time(), calendar.zone);
-    const Instant found = instantAt(static_cast<double>(local.toSecsSinceEpoch()));
-    const auto wall = LocalClock(calendar).at(found);
-    Instant nearest = found;
-    for (const Seconds shift : {Seconds{-3600}, Seconds{3600}}) {
-        const auto other = LocalClock(calendar).at(found + shift);
-        const bool isSame =
-            wall && other && wall->date == other->date && wall->secondOfDay == other->secondOfDay;
-        const auto distance = [former](Instant instant) { return std::abs((instant - former).count()); };
-        nearest = isSame && distance(found + shift) < distance(nearest) ? found + shift : nearest;
-    }
-    return nearest;
+/// Without the seconds that nobody sees.
+Instant shownMinute(Instant instant, const Calendar& calendar) {
+    const auto local = LocalClock(calendar).at(instant);
+    return local ? instantAt(std::floor(epochSeconds(instant)) - local->secondOfDay % 60) : instant;
+}
+
+Instant firstInstantAt(const WallTime& time, const Calendar& calendar) {
+    return instantAt(static_cast<double>(QDateTime(time.date, time.time, calendar.zone).toSecsSinceEpoch()));
 }
 
 } // namespace
@@ -60,13 +55,14 @@ Instant instantIn(const DateTimeField& field, const Calendar& calendar, Instant 
 ManualEntrySheet::ManualEntrySheet(QWidget* host, AppModel& model)
     : Sheet(host, sheetWidth)
     , m_model(model)
-    , m_draft(model.manualDraft().value())
+    , m_opened(model.manualDraft().value())
+    , m_draft(m_opened)
     , m_start(new DateTimeField(QStringLiteral("開始")))
     , m_end(new DateTimeField(QStringLiteral("終了")))
     , m_length(new TextLabel({}, TextStyle::callout, ink::secondary))
     , m_warning(new TextLabel({}, TextStyle::caption, ink::orange, Overflow::wrap))
     , m_title(new QLineEdit(m_draft.title))
-    , m_wantedEnd(m_draft.end) {
+    , m_composition(new Composition(m_title)) {
     setAccessibleName(QStringLiteral("手動の記録"));
     setFooterLine(true);
     content()->setSpacing(sectionGap);
@@ -76,11 +72,15 @@ ManualEntrySheet::ManualEntrySheet(QWidget* host, AppModel& model)
     m_save = addButton(QStringLiteral("保存"), true);
     connect(m_save, &QPushButton::clicked, this, &ManualEntrySheet::save);
     connect(this, &Sheet::cancelled, this, [this] { m_model.setManualDraft(std::nullopt); });
-    setFirstFocus(m_start);
+    setFirstFocus(m_draft.editingId ? static_cast<QWidget*>(m_start) : m_title);
     showTimes();
     refresh();
-    connect(m_start, &DateTimeField::edited, this, &ManualEntrySheet::takeTimes);
-    connect(m_end, &DateTimeField::edited, this, &ManualEntrySheet::takeTimes);
+    connect(m_start, &DateTimeField::edited, this, &ManualEntrySheet::takeStart);
+    connect(m_end, &DateTimeField::edited, this, &ManualEntrySheet::takeEnd);
+    for (DateTimeField* field : {m_start, m_end}) {
+        field->setObjection([this](const WallTime& time) { return objectionTo(time); });
+        connect(field, &DateTimeField::changed, this, &ManualEntrySheet::refresh);
+    }
     connect(&m_model, &AppModel::revisionChanged, this, &ManualEntrySheet::refresh); // what it replaces grew
 }
 
@@ -90,13 +90,17 @@ FormSection* ManualEntrySheet::makeTimes() {
     section->addRow(QStringLiteral("終了"), m_end);
     section->addRow(QStringLiteral("長さ"), m_length);
     auto* warning = new QWidget;
-    auto* row = new QHBoxLayout(warning);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto* row = new QHBoxLayout;
     row->setSpacing(6);
     row->addWidget(
         new IconView(QStringLiteral("exclamationmark.triangle"), metrics::icon, &Colors::orangeText), 0,
         Qt::AlignTop);
     row->addWidget(m_warning, 1);
+    auto* column = new QVBoxLayout(warning); // in which one line stands in the middle, beside its icon
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addStretch();
+    column->addLayout(row);
+    column->addStretch();
     m_warningRow = section->addRow(warning);
     return section;
 }
@@ -173,38 +177,116 @@ TagChip* ManualEntrySheet::makeChip(TagId id) {
     return chip;
 }
 
-/// Only what the user changed: the seconds of a time that was not touched stay.
-void ManualEntrySheet::takeTimes() {
+/// Where the clocks are set forward, an hour of the wall never comes.
+QString ManualEntrySheet::objectionTo(const WallTime& time) const {
     const Calendar calendar = m_model.calendar();
-    if (sender() == m_start) {
-        m_draft.start = instantIn(*m_start, calendar, m_draft.start);
-    } else {
-        m_wantedEnd = instantIn(*m_end, calendar, m_draft.end);
+    return wallTime(firstInstantAt(time, calendar), calendar) == time
+               ? QString()
+               : QStringLiteral("%1 %2 は、時計が進められるため、ありません。")
+                     .arg(dateText(time.date), time.time.toString(QStringLiteral("H:mm")));
+}
+
+/// Of two instants with the same time on the wall, as when the clocks are set back, the one near `former`.
+Instant ManualEntrySheet::instantIn(const WallTime& time, Instant former) const {
+    const Calendar calendar = m_model.calendar();
+    const Instant found = firstInstantAt(time, calendar);
+    Instant nearest = found;
+    for (const Seconds shift : {Seconds{-3600}, Seconds{3600}}) {
+        const auto distance = [former](Instant instant) { return std::abs((instant - former).count()); };
+        const bool isSame = wallTime(found + shift, calendar) == time;
+        nearest = isSame && distance(found + shift) < distance(nearest) ? found + shift : nearest;
     }
-    m_draft.end = std::max(m_wantedEnd, m_draft.start); // a half-typed start does not move it for good
+    return nearest;
+}
+
+/// Times that nobody touched keep their seconds; from then on what is shown is what is meant.
+void ManualEntrySheet::dropSeconds() {
+    const Calendar calendar = m_model.calendar();
+    m_draft.start = shownMinute(m_draft.start, calendar);
+    m_draft.end = shownMinute(m_draft.end, calendar);
+}
+
+/// The end goes along, so that the length stays; a wrong one has no length that anybody wants.
+void ManualEntrySheet::takeStart() {
+    dropSeconds();
+    const Seconds length = m_draft.end - m_draft.start;
+    m_draft.start = instantIn(m_start->entry().value(), m_draft.start);
+    if (length > Seconds{0}) {
+        m_draft.end = m_draft.start + length;
+    }
     showTimes();
-    refresh();
+}
+
+void ManualEntrySheet::takeEnd() {
+    dropSeconds();
+    m_draft.end = instantIn(m_end->entry().value(), m_draft.end);
 }
 
 void ManualEntrySheet::showTimes() {
     const Calendar calendar = m_model.calendar();
-    showInstant(*m_start, m_draft.start, calendar);
-    showInstant(*m_end, m_draft.end, calendar);
-    m_end->setEarliest(m_start->dateTime());
+    const WallTime start = wallTime(m_draft.start, calendar);
+    const WallTime end = wallTime(m_draft.end, calendar);
+    if (m_start->entry().value() != start) {
+        m_start->setWallTime(start);
+    }
+    if (m_end->entry().value() != end) {
+        m_end->setWallTime(end);
+    }
+    m_end->setEarliest(start);
+}
+
+/// With what is half-typed.
+Instant ManualEntrySheet::shownEnd() const {
+    const auto typed = m_end->entry().isHalfTyped() ? m_end->entry().typed() : std::nullopt;
+    return typed ? instantIn(*typed, m_draft.end) : m_draft.end;
 }
 
 void ManualEntrySheet::refresh() {
-    m_save->setEnabled(m_draft.end - m_draft.start >= shortestEntry);
-    m_length->setText(formatDuration(lengthOf(m_draft.start, m_draft.end).count()));
-    const double overlap = m_model.automaticOverlap(m_draft.start, m_draft.end);
-    m_warning->setText(
-        QStringLiteral("この時間には自動の記録が %1 あります。登録すると、その部分は手動のほうに"
-                       "置き換わります。")
-            .arg(formatDuration(overlap)));
-    m_warningRow->setVisible(overlap >= smallestWarning);
+    const Instant end = shownEnd();
+    const bool isHalfTyped = m_start->entry().isHalfTyped() || m_end->entry().isHalfTyped();
+    const bool isWrong = m_start->entry().isWrong() || m_end->entry().isWrong();
+    const bool isLongEnough = end - m_draft.start >= shortestEntry;
+    m_save->setEnabled(!isWrong && (isLongEnough || isHalfTyped)); // what is half-typed may become right
+    const Calendar calendar = m_model.calendar();
+    const Seconds shown = shownMinute(end, calendar) - shownMinute(m_draft.start, calendar);
+    m_length->setText(formatDuration(std::max(shown.count(), 0.0)));
+    QString remark;
+    if (!isLongEnough && !isHalfTyped) {
+        remark = m_draft.end <= m_draft.start ? QStringLiteral("終了は開始より後にしてください。")
+                                              : QStringLiteral("長さは1分以上にしてください。");
+    }
+    m_end->setRemark(remark);
+    showWarning(end);
+}
+
+/// What is wrong, or else what saving will replace.
+void ManualEntrySheet::showWarning(Instant end) {
+    const double overlap = m_model.automaticOverlap(m_draft.start, end);
+    QString warning = m_start->told();
+    if (warning.isEmpty()) {
+        warning = m_end->told();
+    }
+    if (warning.isEmpty() && overlap >= smallestWarning) {
+        warning = QStringLiteral("この時間には自動の記録が %1 あります。登録すると、その部分は手動のほうに"
+                                 "置き換わります。")
+                      .arg(formatDuration(overlap));
+    }
+    m_warning->setText(warning);
+    m_warningRow->setVisible(!warning.isEmpty());
+}
+
+bool ManualEntrySheet::holdsDraft() const {
+    ManualDraft draft = m_draft;
+    draft.title = m_title->text() + m_composition->text();
+    return draft != m_opened || m_start->entry().isHalfTyped() || m_end->entry().isHalfTyped();
 }
 
 void ManualEntrySheet::save() {
+    m_composition->finish();
+    const bool isFinished = m_start->finish() && m_end->finish();
+    if (!isFinished || m_draft.end - m_draft.start < shortestEntry) {
+        return; // which the sheet shows by now
+    }
     m_draft.title = trimmedWhiteSpace(m_title->text());
     m_model.saveManualDraft(m_draft); // which takes the draft away, and so closes this
 }

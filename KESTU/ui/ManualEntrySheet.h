@@ -17,8 +17,10 @@ namespace kestu {
 
 class AppModel;
 class CategoryPicker;
+class Composition;
 class DateTimeField;
 class FormSection;
+struct WallTime;
 class TextLabel;
 
 class ManualEntrySheet final : public Sheet {
@@ -29,6 +31,7 @@ public:
     ManualEntrySheet(QWidget* host, AppModel& model);
 
     [[nodiscard]] const QUuid& draftId() const { return m_draft.id; }
+    [[nodiscard]] bool holdsDraft() const override;
 
 private:
     [[nodiscard]] FormSection* makeTimes();
@@ -39,12 +42,19 @@ private:
     [[nodiscard]] CategoryPicker* makeProjects();
     void showProjects();
     void showTags();
-    void takeTimes();
+    [[nodiscard]] QString objectionTo(const WallTime& time) const;
+    [[nodiscard]] Instant instantIn(const WallTime& time, Instant former) const;
+    [[nodiscard]] Instant shownEnd() const;
+    void dropSeconds();
+    void takeStart();
+    void takeEnd();
     void showTimes();
+    void showWarning(Instant end);
     void refresh();
     void save();
 
     AppModel& m_model;
+    const ManualDraft m_opened;
     ManualDraft m_draft;
     DateTimeField* m_start;
     DateTimeField* m_end;
@@ -52,7 +62,7 @@ private:
     TextLabel* m_warning;
     QWidget* m_warningRow = nullptr;
     QLineEdit* m_title;
-    Instant m_wantedEnd; // as the user left it, which a later start may push on
+    Composition* m_composition;
     CategoryPicker* m_projects = nullptr;
     QWidget* m_tags = nullptr;
     std::optional<KeyedRows<TagChip>> m_chips;

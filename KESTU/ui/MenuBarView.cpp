@@ -115,7 +115,7 @@ QLayout* MenuBarView::makeControls(Commands& commands) {
     connect(toggle, &QPushButton::clicked, &m_model, &AppModel::toggleTracking);
     connect(open, &QPushButton::clicked, &commands, &Commands::open);
     connect(open, &QPushButton::clicked, this, &QWidget::close);
-    connect(quit, &QPushButton::clicked, &commands, &Commands::quit);
+    connect(quit, &QPushButton::clicked, &commands, &Commands::quitRequested);
     return controls;
 }
 

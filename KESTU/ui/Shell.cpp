@@ -48,6 +48,7 @@ Shell::Shell(AppModel& model, std::function<bool()> isTrayThere)
     , m_statusItem(model, m_commands) {
     QGuiApplication::setWindowIcon(iconOf(u"kestu"));
     connect(&m_commands, &Commands::openRequested, this, &Shell::showWindow);
+    connect(&m_commands, &Commands::quitRequested, this, &Shell::quit);
     connect(&m_commands, &Commands::updateCheckRequested, this, &Shell::checkForUpdates);
     connect(&m_statusItem, &StatusItem::clicked, this, &Shell::togglePanel);
     connect(&m_trayWatch, &QTimer::timeout, this, &Shell::stayReachable);
@@ -89,6 +90,17 @@ bool Shell::closeOrMinimise() {
     }
     m_window->showMinimized();
     return false;
+}
+
+/// Not QCoreApplication::quit(), which asks the windows to close: without a tray they refuse.
+void Shell::quit() {
+    const auto exit = [] { QCoreApplication::exit(); };
+    if (m_window && m_window->holdsDraft()) {
+        showWindow();
+        m_window->discardThen(exit);
+    } else {
+        exit();
+    }
 }
 
 void Shell::togglePanel() {

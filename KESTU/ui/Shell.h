@@ -43,6 +43,7 @@ public:
 private:
     void makeWindow();
     [[nodiscard]] bool closeOrMinimise();
+    void quit();
     void togglePanel();
     void checkForUpdates();
     void showAnswer(const UpdateAnswer& answer);

@@ -108,7 +108,7 @@ TEST_F(AppModelTest, NotifiesOfRealChangesOnly) {
     }
     const std::pair<std::function<void()>, const char*> actions[] = {
         {[&] { model->deleteRule(99); }, ""},
-        {[&] { model->saveDayNote(u"2026-03-04"_s, u"メモ"_s); }, "note "},
+        {[&] { model->saveDayNote(u"2026-03-04"_s, u"メモ"_s, {}); }, "note "},
         {[&] { model->addRule(target, RuleField::app, RuleOperator::equals, u" App\t"_s); }, "rules items "},
         {[&] { model->addRule(target, RuleField::app, RuleOperator::equals, u"　"_s); }, ""},
         {[&] { model->assignProject(target.id, std::array{id}); }, "items "},
@@ -164,7 +164,7 @@ TEST_F(AppModelTest, TellsALastingFailureOnceAndEveryFailureOfAnAction) {
         EXPECT_EQ(told(), "");
     }
     store.execute(u"ALTER TABLE project RENAME TO away"_s);
-    model->saveDayNote(u"2026-03-04"_s, u"メモ"_s);
+    model->saveDayNote(u"2026-03-04"_s, u"メモ"_s, {});
     EXPECT_TRUE(told().starts_with("no such table: project"));
     EXPECT_EQ(model->dayNote()->author, u"user"_s) << "the day is read also then";
 }

@@ -140,7 +140,7 @@ class Session(contextlib.ExitStack):
 
 class Logout(unittest.TestCase):
     def test_ends_the_row_and_leaves_the_file_whole(self):
-        for view in ("open", "minimised", "background"):
+        for view in ("open", "minimised", "background", "asked"):
             for has_tray in (True, False):
                 with self.subTest(view=view, has_tray=has_tray), \
                         Session("--background" if view == "background" else "", has_tray) as session:
@@ -148,6 +148,11 @@ class Logout(unittest.TestCase):
                     if view == "minimised":
                         window = session.window("タイムライン.*")
                         session.run("xdotool", "windowminimize", "--sync", window)
+                    if view == "asked":  # whether what is half-typed may be lost
+                        session.run("xdotool", "windowactivate", "--sync", session.window("タイムライン.*"))
+                        session.run("xdotool", "key", "--delay", "300", "Return", "ctrl+n")
+                        session.run("xdotool", "type", "--delay", "30", "half-typed")
+                        session.run("xdotool", "key", "ctrl+q")
                     time.sleep(3)  # so that the row has been extended
                     logged_out = session.log_out("--fast")
                     session.wait_for_end()

@@ -175,6 +175,47 @@ TEST_F(ShellTest, RecordsOnBehindAClosedWindowAndOpensItAgainOnToday) {
     EXPECT_TRUE(model->isTodaySelected());
 }
 
+TEST_F(ShellTest, AsksBeforeItQuitsOrClosesOnWhatIsHalfTyped) {
+    const auto type = [](const QString& text) {
+        test::outputOf(u"xdotool"_s, {u"type"_s, u"--delay"_s, u"30"_s, text});
+        waitUntil([] { return false; }, 100);
+    };
+    const auto isAsked = [] { return isShown(u"入力した内容を破棄しますか？"_s); };
+    launch(u"settings"_s);
+    pressKey(u"ctrl+n"_s);
+    ASSERT_TRUE(waitUntil([this] { return model->manualDraft().has_value(); }, patience));
+    EXPECT_EQ(model->screen(), SidebarItem::timeline);
+    closeWindow();
+    EXPECT_FALSE(shell->window()) << "nothing was typed";
+    EXPECT_FALSE(model->manualDraft());
+
+    shell->showWindow();
+    ASSERT_TRUE(waitUntil([this] { return shell->window()->isActiveWindow(); }, patience));
+    pressKey(u"ctrl+n"_s);
+    type(u"meeting"_s); // it begins in its title
+    pressKey(u"alt+F4"_s);
+    EXPECT_TRUE(waitUntil(isAsked, patience));
+    pressKey(u"Escape"_s);
+    EXPECT_FALSE(isAsked());
+    shell->window()->showMinimized();
+    shell->statusItem().menu().actions().last()->trigger();
+    EXPECT_TRUE(waitUntil([&] { return isAsked() && shell->window()->isActiveWindow(); }, patience));
+    pressKey(u"ctrl+q"_s);
+    EXPECT_TRUE(click(u"編集を続ける"_s));
+    EXPECT_FALSE(isAsked()) << "once";
+    QTimer::singleShot(0, [] {
+        pressKey(u"ctrl+q"_s);
+        EXPECT_TRUE(click(u"破棄"_s));
+    });
+    QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0);
+
+    isTrayThere = false;
+    closeWindow();
+    ASSERT_TRUE(waitUntil([this] { return shell->window()->isMinimized(); }, patience));
+    EXPECT_FALSE(isAsked()) << "a minimised window loses nothing";
+}
+
 TEST_F(ShellTest, MinimisesWhereThereIsNoTray) {
     isTrayThere = false;
     launch();
@@ -321,6 +362,12 @@ TEST_F(ShellTest, BeginsOnTheNamedScreenAndFollowsTheSidebar) {
         pressKey(key);
         EXPECT_EQ(model->screen(), screen) << key.toStdString();
     }
+    pressKey(u"ctrl+2"_s);
+    const auto isElsewhere = [] { return !test::findControl(u"いま"_s)->state().disabled; };
+    EXPECT_FALSE(isElsewhere());
+    pressKey(u"alt+Left"_s);
+    EXPECT_TRUE(waitUntil(isElsewhere, patience));
+    pressKey(u"ctrl+comma"_s);
     model->setErrorMessage(u"x"_s);
     pressKey(u"ctrl+1"_s);
     EXPECT_EQ(model->screen(), SidebarItem::settings) << "not beneath an alert";

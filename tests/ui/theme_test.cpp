@@ -7,7 +7,9 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QToolButton>
 
@@ -130,6 +132,31 @@ TEST(Style, GivesButtonsTheirSizes) {
     EXPECT_EQ(bare.sizeHint(), QSize(28, 28));
     EXPECT_EQ(text.sizeHint(), QSize(text.fontMetrics().horizontalAdvance(text.text()) + 12, 24));
     EXPECT_EQ(tool.sizeHint(), QSize(24, 24));
+}
+
+TEST(Style, ReturnPressesAButtonOnceAndLeavesChecksAlone) {
+    QPushButton push(u"登録"_s);
+    QToolButton tool;
+    QPushButton check(u"集中"_s);
+    check.setCheckable(true);
+    for (const auto& [button, presses] :
+         {std::pair<QAbstractButton*, int>{&push, 1}, {&tool, 1}, {&check, 0}}) {
+        int count = 0;
+        QObject::connect(button, &QAbstractButton::clicked, [&count] { ++count; });
+        button->ensurePolished();
+        for (const bool isRepeated : {false, true, true}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s, isRepeated);
+            QApplication::sendEvent(button, &press);
+        }
+        EXPECT_EQ(count, presses);
+        EXPECT_FALSE(button->isDown());
+    }
+    QPointer<QPushButton> passing = new QPushButton(u"削除"_s);
+    passing->ensurePolished();
+    QObject::connect(passing, &QAbstractButton::pressed, [&] { delete passing; });
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Enter, Qt::KeypadModifier);
+    QApplication::sendEvent(passing, &press);
+    EXPECT_FALSE(passing);
 }
 
 TEST(Style, WhatASheetCoversLooksEnabled) {

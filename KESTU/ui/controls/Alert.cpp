@@ -37,6 +37,23 @@ Alert* Alert::tell(QWidget* host, const QString& title, const QString& text) {
         {{.text = QStringLiteral("OK"), .part = AlertButton::Part::standard, .role = ButtonRole::standard}});
 }
 
+Alert* Alert::askToDiscard(QWidget* host, const std::function<void()>& agreed) {
+    const std::vector<AlertButton> buttons{{.text = QStringLiteral("編集を続ける"),
+                                            .part = AlertButton::Part::cancel,
+                                            .role = ButtonRole::standard},
+                                           {.text = QStringLiteral("破棄"),
+                                            .part = AlertButton::Part::other,
+                                            .role = ButtonRole::destructiveFilled}};
+    auto* const alert = ask(host, QStringLiteral("入力した内容を破棄しますか？"),
+                            QStringLiteral("まだ保存されていません。"), buttons);
+    connect(alert, &Alert::answered, host, [agreed](int index) {
+        if (index == 1) {
+            agreed();
+        }
+    });
+    return alert;
+}
+
 Alert::Alert(QWidget* host, const QString& title, const QString& text,
              const std::vector<AlertButton>& buttons)
     : Sheet(host, alertWidth) {

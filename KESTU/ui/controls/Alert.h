@@ -7,6 +7,8 @@
 #include "ui/controls/Sheet.h"
 #include "ui/theme/KestuStyle.h"
 
+#include <functional>
+
 namespace kestu {
 
 struct AlertButton {
@@ -27,6 +29,8 @@ public:
                       const std::vector<AlertButton>& buttons);
     /// An error with nothing to choose.
     static Alert* tell(QWidget* host, const QString& title, const QString& text);
+    /// Asks whether what is not stored may be lost; calls `agreed` when it may.
+    static Alert* askToDiscard(QWidget* host, const std::function<void()>& agreed);
 
 Q_SIGNALS:
     /// The button's place in the list, once the alert is out of the way.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/Sheet.h"
 
+#include "ui/controls/Alert.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/Roles.h"
 #include "ui/controls/SheetSupport.h"
@@ -8,9 +9,8 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
-#include <QLineEdit>
+#include <QLabel>
 #include <QPainter>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -87,10 +87,6 @@ QPushButton* Sheet::addButton(const QString& text, bool isDefault) {
     return button;
 }
 
-bool Sheet::holdsInput() const {
-    return m_presented && (findChild<QLineEdit*>() || findChild<QPlainTextEdit*>());
-}
-
 void Sheet::present() {
     if (m_presented) {
         return;
@@ -125,9 +121,18 @@ void Sheet::uncoverHost() {
 }
 
 void Sheet::cancel() {
-    if (!m_dismissable) {
+    if (!m_dismissable || m_question) {
         return;
     }
+    if (holdsDraft()) {
+        m_question = Alert::askToDiscard(parentWidget(), [this] { dismiss(); });
+        connect(this, &Sheet::closed, m_question, &QWidget::close);
+    } else {
+        dismiss();
+    }
+}
+
+void Sheet::dismiss() {
     const QPointer<Sheet> self(this); // who listens may have deleted it
     Q_EMIT cancelled();
     if (self) {
@@ -183,8 +188,11 @@ std::vector<QWidget*> Sheet::stops() const {
 void Sheet::focusFirst() {
     const std::vector<QWidget*> all = stops();
     QWidget* first = m_firstFocus;
-    if (!first && !all.empty() && !m_footerBox->isAncestorOf(all.front())) {
-        first = all.front();
+    const auto isField = [this](const QWidget* stop) {
+        return !m_footerBox->isAncestorOf(stop) && !qobject_cast<const QLabel*>(stop);
+    };
+    if (const auto field = std::find_if(all.begin(), all.end(), isField); !first && field != all.end()) {
+        first = *field;
     }
     if (!first) {
         first = defaultButton();

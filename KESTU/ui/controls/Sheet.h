@@ -5,6 +5,8 @@
 // on and deletes itself once closed.
 #pragma once
 
+#include "ui/controls/DraftHolder.h"
+
 #include <QPointer>
 #include <QWidget>
 #include <vector>
@@ -17,9 +19,10 @@ class QVBoxLayout;
 
 namespace kestu {
 
+class Alert;
 class Divider;
 
-class Sheet : public QWidget {
+class Sheet : public QWidget, public DraftHolder {
     Q_OBJECT
 
 public:
@@ -41,12 +44,12 @@ public:
     /// What has the focus first, instead of the first field.
     void setFirstFocus(QWidget* widget) { m_firstFocus = widget; }
 
-    /// Whether it is open and has a field to write in.
-    [[nodiscard]] bool holdsInput() const;
+    /// Nothing, unless a sheet says more.
+    [[nodiscard]] bool holdsDraft() const override { return false; }
 
     void present();
     [[nodiscard]] bool isPresented() const { return m_presented; }
-    /// Cancels, as Escape does.
+    /// Cancels, as Escape does; asks first when that would lose what the user typed.
     void cancel();
 
 Q_SIGNALS:
@@ -63,6 +66,7 @@ protected:
 
 private:
     void build();
+    void dismiss();
     void place();
     void coverHost();
     void uncoverHost();
@@ -81,6 +85,7 @@ private:
     int m_width;
     bool m_dismissable = true;
     bool m_presented = false;
+    QPointer<Alert> m_question;
     QPointer<QWidget> m_firstFocus;
     QPointer<QWidget> m_focusBefore;
     std::vector<QPointer<QWidget>> m_covered;

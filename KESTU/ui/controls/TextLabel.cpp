@@ -59,7 +59,7 @@ TextLabel::TextLabel(const QString& text, TextStyle style, QPalette::ColorRole c
 
 void TextLabel::setCopyable(bool copyable) {
     m_copyable = copyable;
-    setFocusPolicy(copyable ? Qt::ClickFocus : Qt::NoFocus);
+    setFocusPolicy(copyable ? Qt::StrongFocus : Qt::NoFocus);
     setCursor(copyable ? Qt::IBeamCursor : Qt::ArrowCursor);
 }
 
@@ -201,6 +201,10 @@ void TextLabel::mouseDoubleClickEvent(QMouseEvent* event) {
         QLabel::mouseDoubleClickEvent(event);
         return;
     }
+    selectAll();
+}
+
+void TextLabel::selectAll() {
     select(0, static_cast<int>(shownText(contentsRect().width()).size()));
 }
 
@@ -215,6 +219,10 @@ void TextLabel::keyPressEvent(QKeyEvent* event) {
         copy();
         return;
     }
+    if (m_copyable && event->matches(QKeySequence::SelectAll)) {
+        selectAll();
+        return;
+    }
     QLabel::keyPressEvent(event);
 }
 
@@ -227,6 +235,14 @@ void TextLabel::contextMenuEvent(QContextMenuEvent* event) {
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(QStringLiteral("コピー"), this, [this] { copy(); });
     menu->popup(event->globalPos());
+}
+
+/// The selection shows where the focus is, and what will be copied.
+void TextLabel::focusInEvent(QFocusEvent* event) {
+    QLabel::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
+        selectAll();
+    }
 }
 
 void TextLabel::focusOutEvent(QFocusEvent* event) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Every text on the screens: plain, in one of the text styles and inks. It wraps anywhere, elides (then the
-// whole text is its tooltip), or is always shown whole. A copyable one can be selected with the mouse; of an
-// elided one the whole text is copied. It belongs to its parent widget.
+// whole text is its tooltip), or is always shown whole. A copyable one can be selected with the mouse, and
+// whole with the keyboard; of an elided one the whole text is copied. It belongs to its parent widget.
 #pragma once
 
 #include "ui/theme/Theme.h"
@@ -40,6 +40,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
@@ -49,6 +50,7 @@ private:
     [[nodiscard]] int positionAt(QPoint point) const;
     [[nodiscard]] bool wraps() const { return m_overflow == Overflow::wrap; }
     void select(int anchor, int end);
+    void selectAll();
     void copy() const;
 
     Overflow m_overflow;

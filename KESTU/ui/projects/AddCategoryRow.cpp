@@ -4,17 +4,21 @@
 #include "app/AppModel.h"
 #include "base/Text.h"
 #include "ui/controls/ColorChoice.h"
+#include "ui/controls/Composition.h"
 #include "ui/projects/Category.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <utility>
+
 namespace kestu {
 
 AddCategoryRow::AddCategoryRow(AppModel& model)
     : m_model(model)
     , m_name(new QLineEdit)
+    , m_composition(new Composition(m_name))
     , m_color(new ColorChoice(offeredColors()))
     , m_add(new QPushButton(QStringLiteral("追加"))) {
     constexpr int gap = 12;
@@ -30,23 +34,38 @@ AddCategoryRow::AddCategoryRow(AppModel& model)
     setKind(m_kind);
     refresh();
     connect(m_name, &QLineEdit::textChanged, this, &AddCategoryRow::refresh);
+    connect(m_composition, &Composition::changed, this, &AddCategoryRow::refresh);
     connect(m_name, &QLineEdit::returnPressed, this, &AddCategoryRow::add);
     connect(m_add, &QPushButton::clicked, this, &AddCategoryRow::add);
 }
 
 void AddCategoryRow::setKind(CategoryKind kind) {
-    m_kind = kind;
+    if (kind != m_kind) {
+        m_composition->finish();
+        m_kind = kind;
+        const QString name = std::exchange(m_nameOfOtherKind, m_name->text());
+        m_name->setText(name);
+    }
     const bool isProject = kind == CategoryKind::project;
     m_name->setPlaceholderText(isProject ? QStringLiteral("プロジェクト名（例：ソラネコ開発、A社案件）")
                                          : QStringLiteral("タグ名（例：会議、集中、顧客A）"));
     m_name->setAccessibleName(isProject ? QStringLiteral("プロジェクト名") : QStringLiteral("タグ名"));
 }
 
+QString AddCategoryRow::typed() const {
+    return trimmedWhiteSpace(m_name->text() + m_composition->text());
+}
+
+bool AddCategoryRow::holdsDraft() const {
+    return !typed().isEmpty() || !trimmedWhiteSpace(m_nameOfOtherKind).isEmpty();
+}
+
 void AddCategoryRow::refresh() {
-    m_add->setEnabled(!trimmedWhiteSpace(m_name->text()).isEmpty());
+    m_add->setEnabled(!typed().isEmpty());
 }
 
 void AddCategoryRow::add() {
+    m_composition->finish();
     if (!m_add->isEnabled() || !m_model.createCategory(m_kind, m_name->text(), m_color->hex())) {
         return;
     }

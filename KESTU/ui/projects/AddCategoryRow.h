@@ -4,6 +4,7 @@
 #pragma once
 
 #include "storage/Records.h"
+#include "ui/controls/DraftHolder.h"
 
 #include <QWidget>
 
@@ -13,23 +14,29 @@ class QPushButton;
 namespace kestu {
 
 class AppModel;
+class Composition;
 class ColorChoice;
 
-class AddCategoryRow final : public QWidget {
+class AddCategoryRow final : public QWidget, public DraftHolder {
     Q_OBJECT
 
 public:
     explicit AddCategoryRow(AppModel& model);
 
+    /// Each kind keeps the name that was half-typed for it.
     void setKind(CategoryKind kind);
+    [[nodiscard]] bool holdsDraft() const override;
 
 private:
+    [[nodiscard]] QString typed() const;
     void refresh();
     void add();
 
     AppModel& m_model;
     CategoryKind m_kind = CategoryKind::project;
+    QString m_nameOfOtherKind;
     QLineEdit* m_name;
+    Composition* m_composition;
     ColorChoice* m_color;
     QPushButton* m_add;
 };

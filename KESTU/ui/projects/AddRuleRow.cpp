@@ -3,6 +3,7 @@
 
 #include "app/AppModel.h"
 #include "base/Text.h"
+#include "ui/controls/Composition.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/projects/RulePickers.h"
 
@@ -17,6 +18,7 @@ AddRuleRow::AddRuleRow(AppModel& model, const RuleTarget& target)
     , m_target(target)
     , m_field(new RuleFieldPicker)
     , m_value(new QLineEdit)
+    , m_composition(new Composition(m_value))
     , m_op(new RuleOperatorPicker)
     , m_add(new QPushButton(QStringLiteral("ルールを追加"))) {
     m_value->setPlaceholderText(QStringLiteral("値"));
@@ -31,19 +33,24 @@ AddRuleRow::AddRuleRow(AppModel& model, const RuleTarget& target)
     row->addWidget(m_add);
     refresh();
     connect(m_value, &QLineEdit::textChanged, this, &AddRuleRow::refresh);
+    connect(m_composition, &Composition::changed, this, &AddRuleRow::refresh);
     connect(m_value, &QLineEdit::returnPressed, this, &AddRuleRow::add);
     connect(m_add, &QPushButton::clicked, this, &AddRuleRow::add);
 }
 
+QString AddRuleRow::typed() const {
+    return trimmedWhiteSpace(m_value->text() + m_composition->text());
+}
+
 void AddRuleRow::refresh() {
-    m_add->setEnabled(!trimmedWhiteSpace(m_value->text()).isEmpty());
+    m_add->setEnabled(!typed().isEmpty());
 }
 
 void AddRuleRow::add() {
-    if (!m_add->isEnabled()) {
+    m_composition->finish();
+    if (!m_add->isEnabled() || !m_model.addRule(m_target, m_field->field(), m_op->op(), m_value->text())) {
         return;
     }
-    m_model.addRule(m_target, m_field->field(), m_op->op(), m_value->text());
     m_value->setFocus(); // for the next one; the button is about to be disabled
     m_value->clear();
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "storage/Records.h"
+#include "ui/controls/DraftHolder.h"
 
 #include <QWidget>
 
@@ -14,16 +15,20 @@ class QPushButton;
 namespace kestu {
 
 class AppModel;
+class Composition;
 class RuleFieldPicker;
 class RuleOperatorPicker;
 
-class AddRuleRow final : public QWidget {
+class AddRuleRow final : public QWidget, public DraftHolder {
     Q_OBJECT
 
 public:
     AddRuleRow(AppModel& model, const RuleTarget& target);
 
+    [[nodiscard]] bool holdsDraft() const override { return !typed().isEmpty(); }
+
 private:
+    [[nodiscard]] QString typed() const;
     void refresh();
     void add();
 
@@ -31,6 +36,7 @@ private:
     RuleTarget m_target;
     RuleFieldPicker* m_field;
     QLineEdit* m_value;
+    Composition* m_composition;
     RuleOperatorPicker* m_op;
     QPushButton* m_add;
 };

@@ -34,6 +34,8 @@ ReportHeader::ReportHeader(QWidget* parent)
     , m_now(new QPushButton(QStringLiteral("いま")))
     , m_forward(new IconButton(QStringLiteral("chevron.right"), {}, IconButton::Kind::framed)) {
     m_picker->setFixedWidth(pickerWidth);
+    m_back->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
+    m_forward->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
     auto* steps = new QHBoxLayout;
     steps->setSpacing(4);
     steps->addWidget(m_back);

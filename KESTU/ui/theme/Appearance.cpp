@@ -48,6 +48,11 @@ void reserveTrailing(QAbstractSpinBox* field, int width) {
     field->setProperty(trailingProperty, width);
 }
 
+void setWrong(QWidget* field, bool wrong) {
+    field->setProperty(wrongProperty, wrong);
+    field->update();
+}
+
 /// What Qt itself says: the menus of text fields, the dialog that asks for a file.
 static void speakJapanese(QApplication& application) {
     auto* words = new QTranslator(&application);

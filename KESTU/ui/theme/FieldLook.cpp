@@ -105,8 +105,11 @@ void drawField(QPainter& painter, const QStyleOption& option, const QWidget* wid
         drawPanel(painter, option.rect, radius, colors.field,
                   under(option) ? colors.textTertiary : colors.fieldBorder);
     }
+    const bool isWrong = widget && widget->property(wrongProperty).toBool();
     if (enabled && (option.state & QStyle::State_HasFocus)) {
-        drawRing(painter, option.rect, radius, colors.focus, 2);
+        drawRing(painter, option.rect, radius, isWrong ? colors.redText : colors.focus, 2);
+    } else if (enabled && isWrong) {
+        drawRing(painter, option.rect, radius, colors.redText, 1);
     }
 }
 

@@ -16,6 +16,7 @@ namespace kestu {
 
 inline constexpr const char* plainFieldProperty = "kestuPlain";
 inline constexpr const char* trailingProperty = "kestuTrailing";
+inline constexpr const char* wrongProperty = "kestuWrong";
 
 /// The part of a line edit that it writes into; itself keeps two more pixels free at both ends.
 [[nodiscard]] QRect fieldContents(const QStyleOption& option, const QWidget* widget);

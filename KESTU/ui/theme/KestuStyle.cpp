@@ -10,9 +10,12 @@
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QScrollBar>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -42,6 +45,25 @@ void drawFrame(QPainter& painter, const QStyleOption& option, const QWidget* wid
         drawField(painter, option, widget);
     } else {
         drawRing(painter, option.rect, 0, colorsOf(option.palette).divider, 1);
+    }
+}
+
+bool isReturn(const QKeyEvent& event) {
+    return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+           (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
+
+/// Qt lets Return press a button on some desktops and in dialogs alone. One that is held is one press.
+void pressBySpace(QAbstractButton& button, const QKeyEvent& event) {
+    if (event.isAutoRepeat()) {
+        return;
+    }
+    const QPointer<QAbstractButton> pressed(&button); // which may go with what it does
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        if (pressed) {
+            QKeyEvent space(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+            QCoreApplication::sendEvent(pressed, &space);
+        }
     }
 }
 
@@ -275,6 +297,13 @@ bool KestuStyle::eventFilter(QObject* watched, QEvent* event) {
         // a choice, and is passed then, too.
         if (widget && isStepped(*widget) && (!widget->hasFocus() || qobject_cast<QComboBox*>(widget))) {
             event->ignore();
+            return true;
+        }
+        break;
+    case QEvent::KeyPress:
+        if (auto* button = qobject_cast<QAbstractButton*>(watched);
+            button && !button->isCheckable() && isReturn(*static_cast<QKeyEvent*>(event))) {
+            pressBySpace(*button, *static_cast<QKeyEvent*>(event));
             return true;
         }
         break;

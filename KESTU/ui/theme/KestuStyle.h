@@ -35,6 +35,8 @@ void setOnce(QAbstractButton* button);
 void setPlain(QLineEdit* field);
 /// Keeps the last `width` pixels within the frame free for a button of the owner's.
 void reserveTrailing(QAbstractSpinBox* field, int width);
+/// A red edge: what the field holds cannot be taken.
+void setWrong(QWidget* field, bool wrong);
 
 class KestuStyle final : public QProxyStyle {
     Q_OBJECT

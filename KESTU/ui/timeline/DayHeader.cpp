@@ -54,7 +54,7 @@ DayHeader::DayHeader(AppModel& model)
     tellKeys(*m_previous, m_previous->accessibleName(), dayKeys::previous);
     tellKeys(*m_today, m_today->text(), dayKeys::today);
     tellKeys(*m_next, m_next->accessibleName(), dayKeys::next);
-    connect(m_add, &QPushButton::clicked, this, &DayHeader::add);
+    connect(m_add, &QPushButton::clicked, this, [this] { proposeEntry(m_model); });
     connect(m_previous, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(-1); });
     connect(m_today, &QPushButton::clicked, this, [this] { m_model.goToToday(); });
     connect(m_next, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(1); });
@@ -91,10 +91,10 @@ QBoxLayout* DayHeader::makeSteps() {
     return steps;
 }
 
-void DayHeader::add() {
-    m_model.setManualDraft(defaultDraft(
-        {.items = m_model.dayItems(), .start = m_model.selectedDay(), .isToday = m_model.isTodaySelected()},
-        m_model.now()));
+void proposeEntry(AppModel& model) {
+    model.setManualDraft(defaultDraft(
+        {.items = model.dayItems(), .start = model.selectedDay(), .isToday = model.isTodaySelected()},
+        model.now()));
 }
 
 void DayHeader::resizeEvent(QResizeEvent* event) {

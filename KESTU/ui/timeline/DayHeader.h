@@ -23,14 +23,14 @@ inline constexpr QKeyCombination previous = Qt::ALT | Qt::Key_Left;
 inline constexpr QKeyCombination next = Qt::ALT | Qt::Key_Right;
 } // namespace dayKeys
 
+/// Opens the sheet with the entry that is most likely to be missing on the selected day.
+void proposeEntry(AppModel& model);
+
 class DayHeader final : public QWidget {
     Q_OBJECT
 
 public:
     explicit DayHeader(AppModel& model);
-
-    /// Opens the sheet with the entry that is most likely to be missing.
-    void add();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -2,12 +2,12 @@
 #include "ui/timeline/DayNoteEditor.h"
 
 #include "app/AppModel.h"
+#include "ui/controls/Alert.h"
+#include "ui/controls/Composition.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/parts/Texts.h"
 
-#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QInputMethod>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -18,6 +18,7 @@ namespace {
 constexpr int sheetWidth = 520;
 constexpr int partGap = 10;
 constexpr int lowestText = 240;
+constexpr qsizetype longestQuote = 200;
 
 } // namespace
 
@@ -25,7 +26,9 @@ DayNoteEditor::DayNoteEditor(QWidget* host, AppModel& model)
     : Sheet(host, sheetWidth)
     , m_model(model)
     , m_day(dayKey(model.selectedDay(), model.calendar()))
-    , m_text(new QPlainTextEdit(model.dayNote() ? model.dayNote()->summary : QString())) {
+    , m_seen(model.dayNote() ? model.dayNote()->summary : QString())
+    , m_text(new QPlainTextEdit(m_seen))
+    , m_composition(new Composition(m_text)) {
     setAccessibleName(QStringLiteral("この日のまとめ"));
     m_text->setAccessibleName(QStringLiteral("この日のまとめ"));
     m_text->setFont(fontOf(TextStyle::body));
@@ -45,12 +48,41 @@ DayNoteEditor::DayNoteEditor(QWidget* host, AppModel& model)
     setFirstFocus(m_text);
 }
 
+bool DayNoteEditor::holdsDraft() const {
+    return m_text->toPlainText() != m_seen || !m_composition->text().isEmpty();
+}
+
 /// After a failure it stays open: the text is nowhere else.
 void DayNoteEditor::save() {
-    QGuiApplication::inputMethod()->commit(); // what is still being composed belongs to the text
-    if (m_model.saveDayNote(m_day, m_text->toPlainText())) {
+    m_composition->finish(); // it belongs to the text
+    const AppModel::NoteSaving saving = m_model.saveDayNote(m_day, m_text->toPlainText(), m_seen);
+    if (saving.isSaved) {
         close();
+    } else if (saving.other) {
+        askToOverwrite(*saving.other);
     }
+}
+
+void DayNoteEditor::askToOverwrite(const DailyNote& other) {
+    const QString by = other.author == QStringLiteral("ai") ? QStringLiteral(" AI によって") : QString();
+    const QString begin =
+        other.summary.size() > longestQuote ? other.summary.left(longestQuote) + u'…' : other.summary;
+    auto* question = Alert::ask(parentWidget(), QStringLiteral("上書きしますか？"),
+                                QStringLiteral("編集しているあいだに、この日のまとめが%1書き換えられました。"
+                                               "上書きすると、次の内容は消えます。\n\n%2")
+                                    .arg(by, begin),
+                                {{.text = QStringLiteral("編集を続ける"),
+                                  .part = AlertButton::Part::cancel,
+                                  .role = ButtonRole::standard},
+                                 {.text = QStringLiteral("上書き"),
+                                  .part = AlertButton::Part::other,
+                                  .role = ButtonRole::destructiveFilled}});
+    connect(question, &Alert::answered, this, [this, replaced = other.summary](int index) {
+        if (index == 1) {
+            m_seen = replaced;
+            save();
+        }
+    });
 }
 
 } // namespace kestu

@@ -12,6 +12,8 @@ class QPlainTextEdit;
 namespace kestu {
 
 class AppModel;
+class Composition;
+struct DailyNote;
 
 class DayNoteEditor final : public Sheet {
     Q_OBJECT
@@ -19,12 +21,17 @@ class DayNoteEditor final : public Sheet {
 public:
     DayNoteEditor(QWidget* host, AppModel& model);
 
+    [[nodiscard]] bool holdsDraft() const override;
+
 private:
     void save();
+    void askToOverwrite(const DailyNote& other);
 
     AppModel& m_model;
     QString m_day;
+    QString m_seen; // the stored note that this one may replace
     QPlainTextEdit* m_text;
+    Composition* m_composition;
 };
 
 } // namespace kestu

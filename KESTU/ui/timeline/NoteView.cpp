@@ -58,6 +58,8 @@ NoteView::NoteView(QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setOpenLinks(false);
+    setFocusPolicy(Qt::StrongFocus);
+    setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
     setUndoRedoEnabled(false);
     setAcceptDrops(false);
     viewport()->setAutoFillBackground(false); // the card shows through
@@ -79,7 +81,6 @@ void NoteView::setNote(const QString& summary) {
     m_summary = summary;
     write(noteSpans(plainHeadings(summary)));
     moveCursor(QTextCursor::Start);
-    setFocusPolicy(m_links.empty() ? Qt::ClickFocus : Qt::StrongFocus);
     delete m_measure;
     m_measure = document()->clone(this);
     m_measuredWidth = -1;
@@ -168,10 +169,16 @@ void NoteView::contextMenuEvent(QContextMenuEvent* event) {
     menu->popup(event->globalPos());
 }
 
-/// Reached with Tab it begins at its first link, and backwards at its last one.
+/// Reached with Tab it begins at its first link, and backwards at its last one; without any it is selected
+/// whole, which shows where the focus is.
 void NoteView::focusInEvent(QFocusEvent* event) {
     QTextBrowser::focusInEvent(event);
-    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
+    if (event->reason() != Qt::TabFocusReason && event->reason() != Qt::BacktabFocusReason) {
+        return;
+    }
+    if (m_links.empty()) {
+        selectAll();
+    } else {
         focusNextPrevChild(event->reason() == Qt::TabFocusReason);
     }
 }

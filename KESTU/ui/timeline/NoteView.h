@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Shows the text of a note whole, as high as it needs to be at its width. It can be selected and copied with
-// the mouse; its links are reached with the keyboard too. It loads nothing, whatever the text says. Owned by
+// Shows the text of a note whole, as high as it needs to be at its width. It can be selected and copied, and
+// its links be reached, with the mouse and the keyboard. It loads nothing, whatever the text says. Owned by
 // DayNoteCard.
 #pragma once
 

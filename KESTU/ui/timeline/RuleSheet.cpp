@@ -3,6 +3,7 @@
 
 #include "base/Text.h"
 #include "classify/DurationText.h"
+#include "ui/controls/Composition.h"
 #include "ui/controls/FormSection.h"
 #include "ui/controls/SegmentedPicker.h"
 #include "ui/controls/SwitchButton.h"
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace kestu {
 namespace {
@@ -88,9 +90,11 @@ RuleSheet::RuleSheet(QWidget* host, AppModel& model, UnassignedGroup group)
     , m_target(new CategoryPicker(CategoryPicker::Divider::none))
     , m_nameLabel(new TextLabel({}))
     , m_name(new QLineEdit)
+    , m_nameComposition(new Composition(m_name))
     , m_makeRule(new SwitchButton({}))
     , m_field(pickerOf(allRuleFields))
     , m_value(new QLineEdit)
+    , m_valueComposition(new Composition(m_value))
     , m_op(pickerOf(operators)) {
     setAccessibleName(QStringLiteral("振り分け"));
     m_target->setPlaceholderText(QStringLiteral("選んでください"));
@@ -104,9 +108,18 @@ RuleSheet::RuleSheet(QWidget* host, AppModel& model, UnassignedGroup group)
     m_choice.field = m_group.domain ? RuleField::domain : RuleField::app;
     resetCondition();
     showTargets();
+    m_opened = m_choice;
     setFirstFocus(m_choice.targetId ? static_cast<QWidget*>(m_target) : m_name);
     connect(&m_model, &AppModel::projectsChanged, this, &RuleSheet::showTargets);
     connect(&m_model, &AppModel::tagsChanged, this, &RuleSheet::showTargets);
+    for (const Composition* composition : {m_nameComposition, m_valueComposition}) {
+        connect(composition, &Composition::changed, this, &RuleSheet::refresh);
+    }
+}
+
+bool RuleSheet::holdsDraft() const {
+    return m_choice != m_opened || !m_nameOfOtherKind.isEmpty() || !m_nameComposition->text().isEmpty() ||
+           !m_valueComposition->text().isEmpty();
 }
 
 void RuleSheet::addButtons() {
@@ -183,8 +196,13 @@ QWidget* RuleSheet::makeValue() {
 }
 
 void RuleSheet::chooseKind(CategoryKind kind) {
+    if (kind == m_choice.kind) {
+        return;
+    }
+    m_nameComposition->finish();
     m_choice.kind = kind;
     m_choice.targetId = firstTarget();
+    m_name->setText(std::exchange(m_nameOfOtherKind, m_choice.newName));
     showTargets();
 }
 
@@ -261,11 +279,14 @@ bool RuleSheet::hasTarget(RowId id) const {
 }
 
 bool RuleSheet::canSave() const {
-    const bool isNamed = m_choice.targetId ? hasTarget(*m_choice.targetId) : !isBlank(m_choice.newName);
-    return isNamed && (!m_choice.makeRule || !isBlank(m_choice.value));
+    const bool isNamed = m_choice.targetId ? hasTarget(*m_choice.targetId)
+                                           : !isBlank(m_choice.newName + m_nameComposition->text());
+    return isNamed && (!m_choice.makeRule || !isBlank(m_choice.value + m_valueComposition->text()));
 }
 
 void RuleSheet::save() {
+    m_nameComposition->finish();
+    m_valueComposition->finish();
     const Classification choice = m_choice; // which may follow what the model does now
     if (m_model.classify(m_group, choice)) {
         close();

@@ -16,6 +16,7 @@ class QLineEdit;
 namespace kestu {
 
 class CategoryPicker;
+class Composition;
 class FormSection;
 class SegmentedPicker;
 class SwitchButton;
@@ -29,6 +30,8 @@ class RuleSheet final : public Sheet {
 
 public:
     RuleSheet(QWidget* host, AppModel& model, UnassignedGroup group);
+
+    [[nodiscard]] bool holdsDraft() const override;
 
 private:
     [[nodiscard]] FormSection* makeGroup() const;
@@ -51,15 +54,19 @@ private:
     AppModel& m_model;
     const UnassignedGroup m_group;
     Classification m_choice;
+    Classification m_opened;   // what it was at first
+    QString m_nameOfOtherKind; // a half-typed tag is no project
     SegmentedPicker* m_kind;
     TextLabel* m_targetLabel;
     CategoryPicker* m_target;
     TextLabel* m_nameLabel;
     QLineEdit* m_name;
+    Composition* m_nameComposition;
     QWidget* m_nameRow = nullptr;
     SwitchButton* m_makeRule;
     QComboBox* m_field;
     QLineEdit* m_value;
+    Composition* m_valueComposition;
     QComboBox* m_op;
     std::vector<QWidget*> m_ruleRows;
     QPushButton* m_save = nullptr;

@@ -74,18 +74,12 @@ QScrollArea* TimelineScreen::makeColumn() {
 }
 
 void TimelineScreen::addShortcuts() {
-    addShortcut(dayKeys::today, [this] {
-        if (!m_model.isTodaySelected()) {
-            m_model.goToToday();
-        }
-    });
     addShortcut(dayKeys::previous, [this] { m_model.shiftDay(-1); });
     addShortcut(dayKeys::next, [this] {
         if (!m_model.isTodaySelected()) {
             m_model.shiftDay(1);
         }
     });
-    addShortcut(dayKeys::add, [this] { m_header->add(); });
     addShortcut(Qt::Key_Escape, [this] { m_model.setSelectedActivityId(std::nullopt); });
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/Alert.h"
 #include "ui/controls/ColorChoice.h"
+#include "ui/controls/Composition.h"
 #include "ui/controls/FlowLayout.h"
 #include "ui/controls/IconButton.h"
 #include "ui/controls/SegmentedPicker.h"
@@ -11,7 +12,9 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -274,6 +277,75 @@ TEST_F(SheetOverHost, KeepsTabInsideAndRestoresTheFocus) {
     QTest::keyClick(field, Qt::Key_Escape);
     EXPECT_EQ(closed.count(), 1);
     EXPECT_EQ(m_host.focusWidget(), m_name);
+}
+
+/// Holds a draft while its field is not empty.
+class WritingSheet final : public Sheet {
+public:
+    explicit WritingSheet(QWidget* host)
+        : Sheet(host, 300)
+        , field(new QLineEdit)
+        , composition(new Composition(field)) {
+        content()->addWidget(field);
+        present();
+    }
+    [[nodiscard]] bool holdsDraft() const override {
+        return !field->text().isEmpty() || !composition->text().isEmpty();
+    }
+
+    QLineEdit* field;
+    Composition* composition;
+};
+
+TEST_F(SheetOverHost, AsksOnceBeforeItLosesWhatWasTyped) {
+    const auto sheet = QPointer(new WritingSheet(&m_host));
+    const auto settle = [] { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); };
+    const auto alert = [this] {
+        const auto alerts = m_host.findChildren<Alert*>();
+        return alerts.isEmpty() ? nullptr : alerts.back();
+    };
+    const auto compose = [&](const QString& preedit, const QString& commit = {}) {
+        QInputMethodEvent event(preedit, {});
+        event.setCommitString(commit);
+        QApplication::sendEvent(sheet->field, &event);
+    };
+    compose(u"かい"_s);
+    QTest::keyClick(sheet->field, Qt::Key_Escape);
+    ASSERT_TRUE(sheet);
+    EXPECT_FALSE(alert()) << "the key was for the composition";
+    EXPECT_EQ(sheet->composition->text(), QString());
+    compose({}, u"会"_s);
+    sheet->cancel();
+    ASSERT_TRUE(alert());
+    sheet->cancel();
+    EXPECT_EQ(m_host.findChildren<Alert*>().size(), 1);
+    QTest::keyClick(m_host.focusWidget(), Qt::Key_Return);
+    settle();
+    ASSERT_TRUE(sheet) << "without a choice nothing is lost";
+    EXPECT_EQ(m_host.focusWidget(), sheet->field);
+    sheet->cancel();
+    QTest::keyClick(m_host.focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(m_host.focusWidget(), Qt::Key_Return);
+    settle();
+    EXPECT_FALSE(sheet);
+    EXPECT_EQ(m_host.focusWidget(), m_name);
+
+    const auto untouched = QPointer(new WritingSheet(&m_host));
+    QTest::keyClick(untouched->field, Qt::Key_Escape);
+    settle();
+    EXPECT_FALSE(untouched);
+}
+
+TEST_F(ControlsOnScreen, CopyableTextIsCopiedWithTheKeyboard) {
+    auto* const label =
+        add<TextLabel>(u"/usr/bin/kestu-mcp"_s, TextStyle::callout, ink::primary, Overflow::elideMiddle);
+    EXPECT_EQ(label->focusPolicy(), Qt::NoFocus);
+    label->setCopyable(true);
+    label->resize(40, label->height());
+    label->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(m_host.focusWidget(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(m_host.focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"/usr/bin/kestu-mcp"_s);
 }
 
 TEST_F(SheetOverHost, ScrollsWhatIsHigherThanTheHost) {

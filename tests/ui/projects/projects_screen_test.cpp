@@ -149,6 +149,62 @@ TEST_F(ProjectsScreenTest, AddsOfTheShownKindAndProposesTheNextColour) {
     EXPECT_FALSE(test::isShown(u"タグがありません"_s));
 }
 
+TEST_F(ProjectsScreenTest, AddsAWordThatIsStillComposed) {
+    open();
+    auto* row = screen->findChild<AddCategoryRow*>();
+    auto* name = row->findChild<QLineEdit*>();
+    name->setFocus();
+    EXPECT_FALSE(row->holdsDraft());
+    compose(name, u"れんらく"_s);
+    EXPECT_TRUE(row->holdsDraft());
+    ASSERT_TRUE(buttonIn(*row, u"追加"_s)->isEnabled());
+    compose(name, {});
+    EXPECT_FALSE(buttonIn(*row, u"追加"_s)->isEnabled()) << "given up";
+    compose(name, u"連絡"_s);
+    buttonIn(*row, u"追加"_s)->click();
+    EXPECT_EQ(store.dump(u"SELECT name FROM project WHERE id = 5"_s), "連絡");
+    EXPECT_EQ(name->text(), QString());
+    EXPECT_FALSE(row->holdsDraft());
+
+    auto* value = card(1)->findChild<AddRuleRow*>()->findChild<QLineEdit*>();
+    compose(value, u"会議"_s);
+    buttonIn(*card(1), u"ルールを追加"_s)->click();
+    EXPECT_EQ(rules(), "1 app contains 会議");
+}
+
+TEST_F(ProjectsScreenTest, KeepsAHalfTypedNameForItsKind) {
+    open();
+    auto* row = screen->findChild<AddCategoryRow*>();
+    auto* name = row->findChild<QLineEdit*>();
+    auto* picker = screen->findChild<SegmentedPicker*>();
+    Q_EMIT picker->chosen(1);
+    type(name, u"会"_s);
+    compose(name, u"ぎ"_s);
+    screen->hide();
+    screen->show();
+    EXPECT_EQ(picker->current(), 0);
+    EXPECT_EQ(name->text(), QString()) << "a tag is no project";
+    EXPECT_FALSE(buttonIn(*row, u"追加"_s)->isEnabled());
+    EXPECT_TRUE(row->holdsDraft());
+    Q_EMIT picker->chosen(1);
+    EXPECT_EQ(name->text(), u"会ぎ"_s);
+}
+
+TEST_F(ProjectsScreenTest, KeepsTheValueOfARuleThatCouldNotBeWritten) {
+    open();
+    auto* row = card(1)->findChild<AddRuleRow*>();
+    auto* value = row->findChild<QLineEdit*>();
+    store.execute(u"CREATE TRIGGER t BEFORE INSERT ON rule BEGIN SELECT RAISE(ABORT, 'voll'); END"_s);
+    type(value, u"a.example"_s);
+    press(value, Qt::Key_Return);
+    EXPECT_TRUE(model->errorMessage().value_or(QString()).contains(u"voll"_s));
+    EXPECT_EQ(value->text(), u"a.example"_s);
+    EXPECT_TRUE(row->holdsDraft());
+    store.execute(u"DROP TRIGGER t"_s);
+    press(value, Qt::Key_Return);
+    EXPECT_EQ(rules(), "1 app contains a.example");
+}
+
 TEST_F(ProjectsScreenTest, StoresEveryKeyAndLeavesTheFieldToItsUser) {
     open();
     NameField* name = nameOf(1);

@@ -97,10 +97,18 @@ TEST_F(DayNoteTest, IsWrittenChangedAndTakenAway) {
 
     press(u"編集"_s);
     EXPECT_EQ(editor()->toPlainText(), u"# 午前\n**会議**"_s);
-    editor()->setPlainText(u"別の"_s);
     type(Qt::Key_Escape);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(notes(), "2026-11-18|# 午前\n**会議**|user") << "cancelled";
+    EXPECT_FALSE(editor()) << "nothing was changed";
+    press(u"編集"_s);
+    editor()->setPlainText(u"別の"_s);
+    type(Qt::Key_Escape);
+    press(u"編集を続ける"_s);
+    EXPECT_EQ(editor()->toPlainText(), u"別の"_s);
+    press(u"キャンセル"_s);
+    press(u"破棄"_s);
+    EXPECT_FALSE(editor());
+    EXPECT_EQ(notes(), "2026-11-18|# 午前\n**会議**|user");
     press(u"編集"_s);
     editor()->clear();
     press(u"保存"_s);
@@ -113,13 +121,53 @@ TEST_F(DayNoteTest, HalfTypedTextStaysAndGoesToItsDay) {
     editor()->insertPlainText(u"書きかけ"_s);
     QInputMethodEvent composing(u"ちゅう"_s, {});
     QApplication::sendEvent(editor(), &composing);
-    note(u"ほかから"_s);
     model->shiftDay(-1);
     EXPECT_EQ(editor()->toPlainText(), u"書きかけ"_s);
     EXPECT_EQ(editor()->textCursor().block().layout()->preeditAreaText(), u"ちゅう"_s);
     press(u"保存"_s);
-    EXPECT_EQ(notes(), "2026-11-18|書きかけ|user");
+    EXPECT_EQ(notes(), "2026-11-18|書きかけちゅう|user");
     EXPECT_FALSE(model->dayNote()) << "of the day before";
+}
+
+TEST_F(DayNoteTest, TheEscapeThatEndsACompositionEndsNothingElse) {
+    press(u"自分で書く"_s);
+    QInputMethodEvent composing(u"ちゅう"_s, {});
+    QApplication::sendEvent(editor(), &composing);
+    type(Qt::Key_Escape);
+    ASSERT_TRUE(editor());
+    EXPECT_EQ(editor()->textCursor().block().layout()->preeditAreaText(), QString());
+    EXPECT_FALSE(test::isShown(u"破棄"_s, QAccessible::Button));
+    type(Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(editor()) << "the next one ends the sheet";
+}
+
+TEST_F(DayNoteTest, ANoteThatCameMeanwhileIsReplacedOnlyWhenThatIsMeant) {
+    note(u"古い"_s);
+    press(u"編集"_s);
+    note(u"AIの"_s);
+    editor()->setPlainText(u"自分の"_s);
+    press(u"保存"_s);
+    EXPECT_TRUE(test::isShown(u"編集しているあいだに、この日のまとめが AI によって書き換えられました。"
+                              "上書きすると、次の内容は消えます。\n\nAIの"_s));
+    EXPECT_EQ(notes(), "2026-11-18|AIの|ai");
+    press(u"編集を続ける"_s);
+    editor()->clear();
+    press(u"保存"_s);
+    EXPECT_EQ(notes(), "2026-11-18|AIの|ai") << "nor taken away unasked";
+    note(u"AIの次の"_s);
+    press(u"上書き"_s);
+    EXPECT_EQ(notes(), "2026-11-18|AIの次の|ai") << "another one than was shown";
+    editor()->setPlainText(u"自分の"_s);
+    press(u"上書き"_s);
+    EXPECT_EQ(notes(), "2026-11-18|自分の|user");
+    EXPECT_FALSE(editor());
+
+    press(u"編集"_s);
+    note(u""_s);
+    editor()->setPlainText(u"また"_s);
+    press(u"保存"_s);
+    EXPECT_EQ(notes(), "2026-11-18|また|user") << "there was nothing to lose";
 }
 
 TEST_F(DayNoteTest, AFailureKeepsWhatWasWritten) {

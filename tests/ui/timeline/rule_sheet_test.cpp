@@ -8,7 +8,9 @@
 #include "ui/timeline/RuleSheet.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QComboBox>
+#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -198,6 +200,40 @@ TEST_F(RuleSheetTest, StaysOpenWhenTheNewProjectOrItsRuleCannotBeMade) {
     EXPECT_EQ(control<QLineEdit>(u"プロジェクト名"_s).text(), u"連絡"_s);
     EXPECT_EQ(store.dump(u"SELECT (SELECT count(*) FROM project), count(*) FROM rule WHERE id > 2"_s, 2),
               "4|0");
+}
+
+TEST_F(RuleSheetTest, StaysOpenWhenTheRuleCannotBeMade) {
+    store.execute(u"CREATE TRIGGER t BEFORE INSERT ON rule BEGIN SELECT RAISE(ABORT, 'voll'); END"_s);
+    open(u"Slack"_s);
+    EXPECT_FALSE(sheet->holdsDraft());
+    type(u"値"_s, u"typed"_s);
+    save().click();
+    EXPECT_TRUE(isOpen());
+    EXPECT_TRUE(model->errorMessage());
+    EXPECT_EQ(control<QLineEdit>(u"値"_s).text(), u"typed"_s);
+    EXPECT_TRUE(sheet->holdsDraft());
+}
+
+TEST_F(RuleSheetTest, AHalfTypedTagBecomesNoProject) {
+    open(u"Slack"_s);
+    chooseTags();
+    choose(u"タグ"_s, u"新しいタグ"_s);
+    QInputMethodEvent composing(u"会議"_s, {});
+    QApplication::sendEvent(&control<QLineEdit>(u"タグ名"_s), &composing);
+    EXPECT_TRUE(save().isEnabled());
+    button<Segment>(u"プロジェクト（1つだけ）"_s).click();
+    choose(u"プロジェクト"_s, newProject);
+    EXPECT_EQ(control<QLineEdit>(u"プロジェクト名"_s).text(), QString());
+    EXPECT_FALSE(save().isEnabled());
+    type(u"プロジェクト名"_s, u"連絡"_s);
+    chooseTags();
+    choose(u"タグ"_s, u"新しいタグ"_s);
+    EXPECT_EQ(control<QLineEdit>(u"タグ名"_s).text(), u"会議"_s);
+    save().click();
+    EXPECT_EQ(store.dump(u"SELECT (SELECT group_concat(name) FROM tag WHERE id > 3), (SELECT count(*) FROM "
+                         "project)"_s,
+                         2),
+              "会議|4");
 }
 
 TEST_F(RuleSheetTest, FollowsTheListsAndKeepsWhatWasChosenAndTyped) {

@@ -229,7 +229,8 @@ TEST_F(TimelineTest, WritesChangesAndClearsTheNote) {
     EXPECT_EQ(note(), "2026-11-18 user # day\ndone");
     EXPECT_TRUE(click(u"編集"_s));
     pressKeys({u"ctrl+a"_s, u"Delete"_s, u"Escape"_s});
-    EXPECT_EQ(note(), "2026-11-18 user # day\ndone") << "Escape saves nothing";
+    EXPECT_TRUE(click(u"破棄"_s));
+    EXPECT_EQ(note(), "2026-11-18 user # day\ndone");
     EXPECT_TRUE(click(u"編集"_s));
     pressKeys({u"ctrl+a"_s, u"Delete"_s});
     EXPECT_TRUE(click(u"保存"_s));
