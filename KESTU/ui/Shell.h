@@ -33,9 +33,6 @@ public:
     /// Asks once, quietly, whether there is a newer version.
     void checkForUpdatesQuietly();
 
-    /// After a change of the application's colours.
-    void refreshColors() { m_statusItem.refreshIcon(); }
-
     [[nodiscard]] MainWindow* window() const; // null while closed
     [[nodiscard]] MenuBarView* panel() const; // null while closed
     [[nodiscard]] StatusItem& statusItem() { return m_statusItem; }
@@ -44,6 +41,7 @@ private:
     void makeWindow();
     [[nodiscard]] bool closeOrMinimise();
     void togglePanel();
+    void placePanel();
     void checkForUpdates();
     void showAnswer(const UpdateAnswer& answer);
     void stayReachable();
@@ -54,6 +52,7 @@ private:
     StatusItem m_statusItem;
     QPointer<MainWindow> m_window;
     QPointer<MenuBarView> m_panel;
+    QRect m_panelAnchor; // what the panel stands beside
     QElapsedTimer m_sincePanelClosed;
     QTimer m_trayWatch;
 };

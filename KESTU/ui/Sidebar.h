@@ -5,12 +5,14 @@
 
 #include <QFrame>
 
+class QBoxLayout;
 class QListWidget;
 
 namespace kestu {
 
 class AppModel;
 class Commands;
+class TrackingStatus;
 
 class Sidebar final : public QFrame {
 public:
@@ -18,15 +20,22 @@ public:
 
     [[nodiscard]] QWidget* screenList() const;
 
+    /// Icons alone, with the names of the screens as tooltips.
+    void setCompact(bool compact);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void refreshScreen();
     void refreshBadge();
+    void refreshHelp();
 
     AppModel& m_model;
     QListWidget* m_list;
+    TrackingStatus* m_status;
+    QBoxLayout* m_foot;
+    bool m_isCompact = false;
 };
 
 } // namespace kestu

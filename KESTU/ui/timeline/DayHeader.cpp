@@ -41,12 +41,20 @@ DayHeader::DayHeader(AppModel& model)
     , m_today(new QPushButton(QStringLiteral("今日")))
     , m_next(
           new IconButton(QStringLiteral("chevron.right"), QStringLiteral("次の日"), IconButton::Kind::framed))
-    , m_row(new QHBoxLayout(this)) {
+    , m_panel(new IconButton(QStringLiteral("sidebar.right"), {}, IconButton::Kind::framed))
+    , m_row(new QHBoxLayout(this))
+    , m_controls(new QHBoxLayout) {
     m_row->setContentsMargins(24, 16, 24, 14);
     m_row->addLayout(makeTexts());
     m_row->addStretch(1);
-    m_row->addLayout(makeAdding());
-    m_row->addLayout(makeSteps());
+    m_controls->addLayout(makeAdding());
+    m_controls->addLayout(makeSteps());
+    auto* panel = new QHBoxLayout;
+    panel->setContentsMargins(0, buttonTop, 0, 0);
+    panel->addWidget(m_panel, 0, Qt::AlignTop);
+    m_controls->addLayout(panel);
+    m_row->addLayout(m_controls);
+    setPanelButton(PanelButton::none);
     m_add->setAccessibleName(addText());
     m_add->setAutoDefault(false);
     m_today->setAutoDefault(false);
@@ -54,6 +62,7 @@ DayHeader::DayHeader(AppModel& model)
     connect(m_previous, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(-1); });
     connect(m_today, &QPushButton::clicked, this, [this] { m_model.goToToday(); });
     connect(m_next, &QAbstractButton::clicked, this, [this] { m_model.shiftDay(1); });
+    connect(m_panel, &QAbstractButton::clicked, this, &DayHeader::panelAsked);
     connect(&m_model, &AppModel::selectedDayChanged, this, &DayHeader::refreshDay);
     connect(&m_model, &AppModel::revisionChanged, this, &DayHeader::refreshDay); // midnight may have passed
     connect(&m_model, &AppModel::dayItemsChanged, this, &DayHeader::refreshTotal);
@@ -93,19 +102,43 @@ void DayHeader::add() {
         m_model.now()));
 }
 
+void DayHeader::setPanelButton(PanelButton button) {
+    m_panel->setVisible(button != PanelButton::none);
+    const QString name = button == PanelButton::closes ? QStringLiteral("詳細を閉じる") : QStringLiteral("詳細を開く");
+    m_panel->setAccessibleName(name);
+    m_panel->setToolTip(name + QStringLiteral("（F9）"));
+    arrange();
+}
+
+QWidget* DayHeader::panelButton() const {
+    return m_panel;
+}
+
 void DayHeader::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    arrange();
+}
+
+void DayHeader::arrange() {
     const bool isNarrow = width() < narrowColumn;
     m_row->setSpacing(isNarrow ? narrowGap : gap);
+    m_controls->setSpacing(m_row->spacing());
     m_add->setText(isNarrow ? QString() : addText());
     m_add->setToolTip(isNarrow ? addText() : QString());
     const int padding = isNarrow ? narrowPadding : buttonPadding;
     m_today->setFixedWidth(widthOf(m_today->text(), m_today->font()) + padding * 2);
+    const QMargins margins = m_row->contentsMargins();
+    const int needed = std::max(m_date->sizeHint().width(), m_total->sizeHint().width()) + m_row->spacing() +
+                       m_controls->sizeHint().width();
+    const bool isWrapped = needed > width() - margins.left() - margins.right();
+    m_row->setDirection(isWrapped ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_row->setAlignment(m_controls, isWrapped ? Qt::AlignLeft : Qt::Alignment());
 }
 
 void DayHeader::refreshDay() {
     const auto local = LocalClock(m_model.calendar()).at(m_model.selectedDay());
     m_date->setText(local ? dateText(local->date) : QString());
+    arrange();
     const bool isToday = m_model.isTodaySelected();
     m_today->setEnabled(!isToday);
     m_next->setEnabled(!isToday);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The selected day and its total, the button that adds an entry, and the way to other days. In a narrow
-// column the texts of its buttons give way. It belongs to its parent widget.
+// column the texts of its buttons give way, and then they stand below the day. It belongs to its parent
+// widget.
 #pragma once
 
 #include <QWidget>
@@ -24,6 +25,14 @@ public:
     /// Opens the sheet with the entry that is most likely to be missing.
     void add();
 
+    /// The way to what lies beside the day, where it does not stand there at all times.
+    enum class PanelButton { none, opens, closes };
+    void setPanelButton(PanelButton button);
+    [[nodiscard]] QWidget* panelButton() const;
+
+Q_SIGNALS:
+    void panelAsked();
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
@@ -31,6 +40,7 @@ private:
     [[nodiscard]] QBoxLayout* makeTexts();
     [[nodiscard]] QBoxLayout* makeAdding();
     [[nodiscard]] QBoxLayout* makeSteps();
+    void arrange();
     void refreshDay();
     void refreshTotal();
 
@@ -41,7 +51,9 @@ private:
     IconButton* m_previous;
     QPushButton* m_today;
     IconButton* m_next;
+    IconButton* m_panel;
     QBoxLayout* m_row;
+    QBoxLayout* m_controls;
 };
 
 } // namespace kestu
