@@ -45,7 +45,8 @@ std::unique_ptr<Repository> openStore(const StoreLocation& location) {
 /// What is opened at the start: nothing where the session starts KESTU, not the user.
 enum class FirstView { none, window };
 
-/// Light or dark as the user chose; else as the desktop says; where it says nothing, as its own palette looks.
+/// Light or dark as the user chose; else as the desktop says; where it says nothing, as its own palette
+/// looks.
 const Colors& wantedColors(ThemeChoice choice, const Appearance& appearance, const QPalette& desktopPalette) {
     if (choice != ThemeChoice::system) {
         return choice == ThemeChoice::dark ? darkColors() : lightColors();
@@ -85,15 +86,15 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
          .assistantServer = QCoreApplication::applicationDirPath() + QStringLiteral("/kestu-mcp")});
     Shell shell(kestuApp.model(), QSystemTrayIcon::isSystemTrayAvailable);
     const auto refreshColors = [&] {
-        applyTheme(application,
-                   wantedColors(kestuApp.model().themeChoice(), appearance, desktopPalette));
+        applyTheme(application, wantedColors(kestuApp.model().themeChoice(), appearance, desktopPalette));
     };
     QObject::connect(&appearance, &Appearance::colorSchemeChanged, &application, refreshColors);
     QObject::connect(&kestuApp.model(), &AppModel::themeChoiceChanged, &application, refreshColors);
     refreshColors();
     const auto refreshTray = [&] {
         const auto ink = appearance.trayInk();
-        shell.statusItem().setInk(ink ? std::optional(QColor(ink->red, ink->green, ink->blue)) : std::nullopt);
+        shell.statusItem().setInk(ink ? std::optional(QColor(ink->red, ink->green, ink->blue))
+                                      : std::nullopt);
     };
     QObject::connect(&appearance, &Appearance::trayInkChanged, &application, refreshTray);
     refreshTray();

@@ -48,7 +48,8 @@ void Commands::addThemeChoices() {
         QAction* action = m_themeChoices.addAction(text);
         action->setCheckable(true);
         action->setData(static_cast<int>(choice));
-        connect(action, &QAction::triggered, &m_model, [this, wanted = choice] { m_model.setThemeChoice(wanted); });
+        connect(action, &QAction::triggered, &m_model,
+                [this, wanted = choice] { m_model.setThemeChoice(wanted); });
     }
 }
 

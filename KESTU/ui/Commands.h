@@ -21,8 +21,8 @@ class Commands final : public QObject {
 public:
     explicit Commands(AppModel& model);
 
-    /// Pausing, for a desktop without a tray has no other place for it; how the screens look; and the commands
-    /// of the application menu.
+    /// Pausing, for a desktop without a tray has no other place for it; how the screens look; and the
+    /// commands of the application menu.
     void fillWindowMenu(QMenu& menu);
 
     /// Those commands, led by the panel's three controls: some desktops offer nothing but this menu.

@@ -196,10 +196,9 @@ QPoint panelPosition(const QSize& panel, const QRect& anchor, const QRect& room)
     constexpr int edge = 100; // what is nearer to an edge than that is in a row or column along it
     const QRect inner = room.adjusted(distance, distance, -distance, -distance);
     const auto inside = [&](QPoint corner) {
-        return QPoint(std::clamp(corner.x(), inner.left(),
-                                 std::max(inner.left(), inner.right() + 1 - panel.width())),
-                      std::clamp(corner.y(), inner.top(),
-                                 std::max(inner.top(), inner.bottom() + 1 - panel.height())));
+        return QPoint(
+            std::clamp(corner.x(), inner.left(), std::max(inner.left(), inner.right() + 1 - panel.width())),
+            std::clamp(corner.y(), inner.top(), std::max(inner.top(), inner.bottom() + 1 - panel.height())));
     };
     const QPoint middle = anchor.center() - QPoint(panel.width() / 2, panel.height() / 2);
     std::array sides{QPoint(middle.x(), anchor.bottom() + 1 + distance),
@@ -211,7 +210,8 @@ QPoint panelPosition(const QSize& panel, const QRect& anchor, const QRect& room)
         !isNear(anchor.center().y(), room.top(), room.bottom())) {
         std::rotate(sides.begin(), sides.begin() + 2, sides.end());
     }
-    const auto isFree = [&](QPoint corner) { return !QRect(inside(corner), panel).intersects(anchor); };
+    const QRect around = anchor.adjusted(-distance, -distance, distance, distance);
+    const auto isFree = [&](QPoint corner) { return !QRect(inside(corner), panel).intersects(around); };
     const auto* side = std::find_if(sides.begin(), sides.end(), isFree);
     return inside(side == sides.end() ? sides.front() : *side);
 }

@@ -86,10 +86,10 @@ private:
         const int width = std::max(16, QFontMetrics(font).horizontalAdvance(text) + 8);
         const QRectF badge(at.x() - 6, at.y(), width, 16);
         painter.setPen(QPen(colors.sidebar, 1.5));
-        painter.setBrush(colors.orangeFill);
+        painter.setBrush(colors.textSecondary);
         painter.drawRoundedRect(badge.adjusted(-0.75, -0.75, 0.75, 0.75), 8.75, 8.75);
         painter.setFont(font);
-        painter.setPen(Qt::white);
+        painter.setPen(colors.sidebar);
         painter.drawText(badge, Qt::AlignCenter, text);
     }
 
@@ -171,6 +171,7 @@ Sidebar::Sidebar(AppModel& model, Commands& commands)
     : m_model(model)
     , m_list(makeList())
     , m_status(new TrackingStatus(model))
+    , m_menu(makeMenuButton(commands))
     , m_foot(new QHBoxLayout) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 12, 0, 0);
@@ -182,7 +183,7 @@ Sidebar::Sidebar(AppModel& model, Commands& commands)
     layout->addStretch();
     m_foot->setContentsMargins(12, 12, 12, 12);
     m_foot->addWidget(m_status, 1);
-    m_foot->addWidget(makeMenuButton(commands), 0, Qt::AlignBottom);
+    m_foot->addWidget(m_menu, 0, Qt::AlignBottom);
     layout->addLayout(m_foot);
 
     connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) {
@@ -211,7 +212,9 @@ void Sidebar::setCompact(bool compact) {
     m_isCompact = compact;
     m_status->setCompact(compact);
     m_foot->setDirection(compact ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_foot->setStretchFactor(m_status, compact ? 0 : 1);
     m_foot->setAlignment(m_status, compact ? Qt::AlignHCenter : Qt::Alignment());
+    m_foot->setAlignment(m_menu, compact ? Qt::AlignHCenter : Qt::AlignBottom);
     refreshHelp();
 }
 

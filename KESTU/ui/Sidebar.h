@@ -34,6 +34,7 @@ private:
     AppModel& m_model;
     QListWidget* m_list;
     TrackingStatus* m_status;
+    QWidget* m_menu;
     QBoxLayout* m_foot;
     bool m_isCompact = false;
 };

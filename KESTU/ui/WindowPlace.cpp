@@ -33,16 +33,17 @@ struct Place {
 };
 
 const QString maximizedKey = QStringLiteral("maximized");
-const std::array<QString, 8> keys{QStringLiteral("x"),         QStringLiteral("y"),
-                                  QStringLiteral("width"),     QStringLiteral("height"),
-                                  QStringLiteral("frameLeft"), QStringLiteral("frameTop"),
+const std::array<QString, 8> keys{QStringLiteral("x"),          QStringLiteral("y"),
+                                  QStringLiteral("width"),      QStringLiteral("height"),
+                                  QStringLiteral("frameLeft"),  QStringLiteral("frameTop"),
                                   QStringLiteral("frameRight"), QStringLiteral("frameBottom")};
 
 QMap<QString, QString> toText(const Place& place) {
-    const std::array values{place.content.x(),     place.content.y(),    place.content.width(),
+    const std::array values{place.content.x(),      place.content.y(),   place.content.width(),
                             place.content.height(), place.frame.left(),  place.frame.top(),
-                            place.frame.right(),   place.frame.bottom()};
-    QMap<QString, QString> text{{maximizedKey, place.isMaximized ? QStringLiteral("yes") : QStringLiteral("no")}};
+                            place.frame.right(),    place.frame.bottom()};
+    QMap<QString, QString> text{
+        {maximizedKey, place.isMaximized ? QStringLiteral("yes") : QStringLiteral("no")}};
     for (std::size_t i = 0; i < keys.size(); ++i) {
         text.insert(keys[i], QString::number(values[i]));
     }

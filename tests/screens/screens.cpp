@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Renders every finished screen, sheet and panel with the sample day to PNG files, light and dark; on a scaled
-// display (QT_SCALE_FACTOR) a few of each kind.
+// Renders every finished screen, sheet and panel with the sample day to PNG files, light and dark; on a
+// scaled display (QT_SCALE_FACTOR) a few of each kind.
 //
 // usage: kestu_screens FOLDER
 #include "app/AppModel.h"
@@ -31,6 +31,7 @@ using namespace Qt::StringLiterals;
 constexpr QSize sizes[] = {{640, 400}, {900, 560}, {1100, 720}};
 constexpr QSize large{1920, 1200};
 constexpr QSize tall{1100, 1400};
+constexpr QSize narrowAndTall{640, 1800};
 
 void save(QWidget& widget, const QDir& folder, const QString& name) {
     widget.show();
@@ -143,6 +144,7 @@ private:
                 model.setScreen(entry.item);
                 renderWindow(model, commands, entry.raw.toString());
                 renderWindow(model, commands, entry.raw.toString(), tall);
+                renderWindow(model, commands, entry.raw.toString(), narrowAndTall);
             }
         }
         model.setScreen(SidebarItem::report);

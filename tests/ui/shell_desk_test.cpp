@@ -187,7 +187,8 @@ TEST_F(ShellTest, KeepsThePanelBesideTheIconAndOnTheScreenWhateverItHolds) {
 TEST_F(ShellTest, OpensTheWindowWhereItWasAndAlwaysOnAScreen) {
     launch();
     shell->window()->setGeometry(300, 200, 950, 600);
-    ASSERT_TRUE(waitUntil([this] { return shell->window()->geometry() == QRect(300, 200, 950, 600); }, patience));
+    ASSERT_TRUE(
+        waitUntil([this] { return shell->window()->geometry() == QRect(300, 200, 950, 600); }, patience));
     closeWindow();
     ASSERT_FALSE(shell->window());
     const auto reopen = [this] {
@@ -195,7 +196,8 @@ TEST_F(ShellTest, OpensTheWindowWhereItWasAndAlwaysOnAScreen) {
         return waitUntil([this] { return shell->window()->isActiveWindow(); }, patience);
     };
     ASSERT_TRUE(reopen());
-    EXPECT_TRUE(waitUntil([this] { return shell->window()->geometry() == QRect(300, 200, 950, 600); }, patience))
+    EXPECT_TRUE(
+        waitUntil([this] { return shell->window()->geometry() == QRect(300, 200, 950, 600); }, patience))
         << shell->window()->x() << ' ' << shell->window()->y();
 
     shell->window()->showMaximized();
@@ -214,7 +216,8 @@ TEST_F(ShellTest, OpensTheWindowWhereItWasAndAlwaysOnAScreen) {
         ASSERT_TRUE(reopen());
         EXPECT_TRUE(waitUntil(
             [this] {
-                return QGuiApplication::primaryScreen()->geometry().contains(shell->window()->frameGeometry());
+                return QGuiApplication::primaryScreen()->geometry().contains(
+                    shell->window()->frameGeometry());
             },
             patience))
             << x.toStdString();
@@ -456,18 +459,18 @@ TEST(PanelPosition, IsBesideItsAnchorAndInsideTheScreen) {
         QRect room; // of the anchor's screen, with or without the desktop's panels
         QPoint expected;
     } rows[] = {
-        {{490, 0, 20, 20}, whole, {359, 26}},                       // a tray at the top
-        {{490, 780, 20, 20}, whole, {359, 474}},                    // at the bottom
-        {{490, 780, 20, 20}, {0, 0, 1000, 770}, {359, 464}},        // which keeps its room free
-        {{980, 0, 20, 20}, whole, {714, 26}},                       // in a corner
-        {{0, 390, 24, 24}, whole, {30, 251}},                       // in a column at the left
-        {{976, 390, 24, 24}, whole, {690, 251}},                    // at the right
-        {{976, 390, 24, 24}, {0, 0, 970, 800}, {684, 251}},         // which keeps its room free
-        {{1580, 580, 20, 20}, second, {1314, 274}},                 // on another screen
-        {{1400, 200, 20, 20}, second, {1269, 226}},                 //
-        {{500, 10, 1, 1}, whole, {360, 17}},                        // no place known: the cursor's
-        {{2, 799, 1, 1}, whole, {6, 493}},                          // in the other corner
-        {{490, 300, 20, 20}, {0, 0, 1000, 320}, {516, 14}},         // neither above nor below
+        {{490, 0, 20, 20}, whole, {359, 26}},                // a tray at the top
+        {{490, 780, 20, 20}, whole, {359, 474}},             // at the bottom
+        {{490, 780, 20, 20}, {0, 0, 1000, 770}, {359, 464}}, // which keeps its room free
+        {{980, 0, 20, 20}, whole, {714, 26}},                // in a corner
+        {{0, 390, 24, 24}, whole, {30, 251}},                // in a column at the left
+        {{976, 390, 24, 24}, whole, {690, 251}},             // at the right
+        {{976, 390, 24, 24}, {0, 0, 970, 800}, {684, 251}},  // which keeps its room free
+        {{1580, 580, 20, 20}, second, {1314, 274}},          // on another screen
+        {{1400, 200, 20, 20}, second, {1269, 226}},          //
+        {{500, 10, 1, 1}, whole, {360, 17}},                 // no place known: the cursor's
+        {{2, 799, 1, 1}, whole, {6, 493}},                   // in the other corner
+        {{490, 300, 20, 20}, {0, 0, 1000, 320}, {516, 14}},  // neither above nor below
     };
     const QSize panel(280, 300);
     for (const auto& row : rows) {

@@ -54,7 +54,8 @@ protected:
 
     [[nodiscard]] QAbstractButton* button(const QString& name) const {
         for (auto* candidate : window->findChildren<QAbstractButton*>()) {
-            if (candidate->isVisible() && (candidate->text() == name || candidate->accessibleName() == name)) {
+            if (candidate->isVisible() &&
+                (candidate->text() == name || candidate->accessibleName() == name)) {
                 return candidate;
             }
         }
@@ -102,7 +103,7 @@ private:
                        : label->width() < label->minimumSizeHint().width();
         }
         const auto* control = qobject_cast<const QAbstractButton*>(&widget);
-        return control && control->width() < control->minimumSizeHint().width();
+        return control && control->width() < control->fontMetrics().horizontalAdvance(control->text());
     }
 
     bool isOutside(const QWidget& widget) const {

@@ -95,8 +95,8 @@ QString themeNameIn(const QByteArray& settings) {
 }
 
 bool isDarkTheme(const QString& name) {
-    static const QRegularExpression dark(
-        QStringLiteral("(^|[-_ ])dark($|[-_ ])|inverse$|^BlackMATE$"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression dark(QStringLiteral("(^|[-_ ])dark($|[-_ ])|inverse$|^BlackMATE$"),
+                                         QRegularExpression::CaseInsensitiveOption);
     return dark.match(name).hasMatch();
 }
 
@@ -121,7 +121,8 @@ DesktopAppearance::DesktopAppearance(const QDBusConnection& sessionBus,
 
 QString DesktopAppearance::themeName() const {
     const QString name = m_settings ? themeNameIn(m_settings->value().bytes) : QString();
-    return name.isEmpty() ? toolkitSetting(m_toolkitFiles, QStringLiteral("gtk-theme-name")).toString() : name;
+    return name.isEmpty() ? toolkitSetting(m_toolkitFiles, QStringLiteral("gtk-theme-name")).toString()
+                          : name;
 }
 
 std::optional<ColorScheme> DesktopAppearance::colorScheme() const {

@@ -28,8 +28,8 @@ void ManagerProperty::follow() {
 }
 
 void ManagerProperty::read() {
-    const auto read = m_manager == XCB_NONE ? std::nullopt
-                                            : m_xcb->property(m_xcb->requestProperty(m_manager, m_property));
+    const auto read =
+        m_manager == XCB_NONE ? std::nullopt : m_xcb->property(m_xcb->requestProperty(m_manager, m_property));
     XProperty value = read.value_or(XProperty());
     if (value.type != m_value.type || value.bytes != m_value.bytes) {
         m_value = std::move(value);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The figures of a period that stand above everything else, in four cards of one row; of two rows where one is
-// too narrow. Owned by the report.
+// The figures of a period that stand above everything else, in four cards of one row; of two rows where one
+// is too narrow. Owned by the report.
 #pragma once
 
 #include <QWidget>

@@ -104,7 +104,8 @@ void DayHeader::add() {
 
 void DayHeader::setPanelButton(PanelButton button) {
     m_panel->setVisible(button != PanelButton::none);
-    const QString name = button == PanelButton::closes ? QStringLiteral("詳細を閉じる") : QStringLiteral("詳細を開く");
+    const QString name =
+        button == PanelButton::closes ? QStringLiteral("詳細を閉じる") : QStringLiteral("詳細を開く");
     m_panel->setAccessibleName(name);
     m_panel->setToolTip(name + QStringLiteral("（F9）"));
     arrange();

@@ -11,12 +11,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kestu {
 namespace {
 
 constexpr int sheetWidth = 520;
 constexpr int partGap = 10;
 constexpr int lowestText = 240;
+constexpr int aroundText = 192; // what else a low window has to hold
 
 } // namespace
 
@@ -28,7 +31,7 @@ DayNoteEditor::DayNoteEditor(QWidget* host, AppModel& model)
     setAccessibleName(QStringLiteral("この日のまとめ"));
     m_text->setAccessibleName(QStringLiteral("この日のまとめ"));
     m_text->setFont(fontOf(TextStyle::body));
-    m_text->setMinimumHeight(lowestText);
+    m_text->setMinimumHeight(std::clamp(host->height() - aroundText, lowestText / 2, lowestText));
     m_text->setTabChangesFocus(true);
     m_text->moveCursor(QTextCursor::End);
     content()->setSpacing(partGap);
