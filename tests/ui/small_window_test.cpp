@@ -131,7 +131,7 @@ private:
 TEST_F(SmallWindowTest, CutsNothingOff) {
     platform.fakeAccessibility.granted = false; // with the banner
     model->refreshAccessibility();
-    for (const QSize& size : {smallest, QSize(720, 480), QSize(853, 533), QSize(900, 560)}) {
+    for (const QSize& size : {smallest, QSize(720, 480), QSize(853, 533), QSize(900, 560), QSize(980, 600)}) {
         for (const SidebarEntry& entry : sidebarEntries) {
             model->setScreen(entry.item);
             open(size);

@@ -12,10 +12,6 @@
 #include <QPixmapCache>
 #include <QSvgRenderer>
 
-#include <algorithm>
-#include <cmath>
-#include <numbers>
-
 namespace kestu {
 namespace {
 
@@ -27,24 +23,11 @@ QByteArray drawingOf(QStringView name, const QColor& color) {
     return file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
 }
 
-/// Strokes thinner than a pixel are painted as crude hairlines, so they are drawn large and averaged.
-constexpr int oversampling = 4;
-
 /// Strokes of an icon overlap, so its opacity is laid over the finished drawing.
 void fade(QPixmap& pixmap, float opacity) {
     QPainter painter(&pixmap);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.fillRect(pixmap.rect(), QColor::fromRgbF(0, 0, 0, opacity));
-}
-
-QImage drawn(const QByteArray& drawing, QSize size) {
-    QSvgRenderer renderer(drawing);
-    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    renderer.render(&painter, image.rect());
-    return image;
 }
 
 /// `size` is in pixels of the device.
@@ -53,31 +36,20 @@ QPixmap rendered(QStringView name, QSize size, const QColor& color) {
     if (drawing.isEmpty() || size.isEmpty()) {
         return {};
     }
-    const QImage image = drawn(drawing, size * oversampling);
+    QSvgRenderer renderer(drawing);
+    renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+    // Strokes thinner than a pixel are painted as crude hairlines, so they are drawn large and averaged.
+    constexpr int oversampling = 4;
+    QImage image(size * oversampling, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.render(&painter, image.rect());
+    painter.end();
     QPixmap pixmap = QPixmap::fromImage(image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     if (color.alpha() < 255) {
         fade(pixmap, color.alphaF());
     }
     return pixmap;
-}
-
-/// Light, within an outline that is drawn as the dark icon moved to all sides.
-QPixmap outlined(QStringView name, QSize size) {
-    const QSize large = size * oversampling;
-    const int width = std::max(oversampling, large.height() / 16);
-    const QSize inner = large - QSize(2 * width, 2 * width);
-    const QImage dark = drawn(drawingOf(name, lightColors().textPrimary), inner);
-    QImage image(large, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    constexpr int directions = 32;
-    for (int direction = 0; direction < directions; ++direction) {
-        const double angle = 2 * std::numbers::pi * direction / directions;
-        painter.drawImage(QPointF(width + width * std::cos(angle), width + width * std::sin(angle)), dark);
-    }
-    painter.drawImage(width, width, drawn(drawingOf(name, Qt::white), inner));
-    painter.end();
-    return QPixmap::fromImage(image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 QPixmap cached(QStringView name, QSize size, const QColor& color) {
@@ -147,7 +119,8 @@ public:
 
     /// `size` is in pixels of the device. Seldom asked for, so not kept.
     QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
-        return m_ink ? rendered(m_name, size, *m_ink) : outlined(m_name, size);
+        return m_ink ? rendered(m_name, size, *m_ink)
+                     : rendered(m_name + QStringLiteral(".outlined"), size, Qt::white);
     }
 
     [[nodiscard]] QIconEngine* clone() const override { return new TrayEngine(m_name, m_ink); }

@@ -13,6 +13,7 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 
+#include <algorithm>
 #include <numeric>
 
 namespace kestu {
@@ -21,6 +22,7 @@ namespace {
 constexpr int narrowColumn = 440;
 constexpr int gap = 12;
 constexpr int narrowGap = 8;
+constexpr int stepGap = 4;
 constexpr int buttonPadding = 12;
 constexpr int narrowPadding = 8;
 constexpr int buttonTop = 1; // their texts stand on the date's line
@@ -88,7 +90,7 @@ QBoxLayout* DayHeader::makeAdding() {
 QBoxLayout* DayHeader::makeSteps() {
     auto* steps = new QHBoxLayout;
     steps->setContentsMargins(0, buttonTop, 0, 0);
-    steps->setSpacing(4);
+    steps->setSpacing(stepGap);
     for (QWidget* step :
          {static_cast<QWidget*>(m_previous), static_cast<QWidget*>(m_today), static_cast<QWidget*>(m_next)}) {
         steps->addWidget(step, 0, Qt::AlignTop);
@@ -120,20 +122,35 @@ void DayHeader::resizeEvent(QResizeEvent* event) {
     arrange();
 }
 
+/// What gives way in a narrow column: first the texts of the buttons, then their place beside the day.
 void DayHeader::arrange() {
-    const bool isNarrow = width() < narrowColumn;
+    const QMargins margins = m_row->contentsMargins();
+    const int room = width() - margins.left() - margins.right();
+    setNarrow(width() < narrowColumn);
+    if (neededWidth() > room) {
+        setNarrow(true);
+    }
+    const bool isWrapped = neededWidth() > room;
+    m_row->setDirection(isWrapped ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_row->setAlignment(m_controls, isWrapped ? Qt::AlignLeft : Qt::Alignment());
+}
+
+void DayHeader::setNarrow(bool isNarrow) {
     m_row->setSpacing(isNarrow ? narrowGap : gap);
     m_controls->setSpacing(m_row->spacing());
     m_add->setText(isNarrow ? QString() : addText());
     m_add->setToolTip(isNarrow ? addText() : QString());
     const int padding = isNarrow ? narrowPadding : buttonPadding;
     m_today->setFixedWidth(widthOf(m_today->text(), m_today->font()) + padding * 2);
-    const QMargins margins = m_row->contentsMargins();
-    const int needed = std::max(m_date->sizeHint().width(), m_total->sizeHint().width()) + m_row->spacing() +
-                       m_controls->sizeHint().width();
-    const bool isWrapped = needed > width() - margins.left() - margins.right();
-    m_row->setDirection(isWrapped ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
-    m_row->setAlignment(m_controls, isWrapped ? Qt::AlignLeft : Qt::Alignment());
+}
+
+/// Of the widgets: what their layouts know of them may be of before.
+int DayHeader::neededWidth() const {
+    const int spacing = m_row->spacing();
+    const int texts = std::max(m_date->sizeHint().width(), m_total->sizeHint().width());
+    const int steps = m_previous->sizeHint().width() + m_today->minimumWidth() + m_next->sizeHint().width();
+    const int panel = m_panel->isHidden() ? 0 : spacing + m_panel->sizeHint().width();
+    return texts + spacing + m_add->sizeHint().width() + spacing + steps + 2 * stepGap + panel;
 }
 
 void DayHeader::refreshDay() {

@@ -41,6 +41,8 @@ private:
     [[nodiscard]] QBoxLayout* makeAdding();
     [[nodiscard]] QBoxLayout* makeSteps();
     void arrange();
+    void setNarrow(bool isNarrow);
+    [[nodiscard]] int neededWidth() const;
     void refreshDay();
     void refreshTotal();
 

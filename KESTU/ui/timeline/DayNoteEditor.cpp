@@ -19,7 +19,7 @@ namespace {
 constexpr int sheetWidth = 520;
 constexpr int partGap = 10;
 constexpr int lowestText = 240;
-constexpr int aroundText = 192; // what else a low window has to hold
+constexpr int aroundText = 200; // what else a low window has to hold
 
 } // namespace
 
