@@ -155,8 +155,10 @@ int DayHeader::neededWidth() const {
 
 void DayHeader::refreshDay() {
     const auto local = LocalClock(m_model.calendar()).at(m_model.selectedDay());
-    m_date->setText(local ? dateText(local->date) : QString());
-    arrange();
+    if (const QString date = local ? dateText(local->date) : QString(); date != m_date->text()) {
+        m_date->setText(date);
+        arrange();
+    }
     const bool isToday = m_model.isTodaySelected();
     m_today->setEnabled(!isToday);
     m_next->setEnabled(!isToday);
