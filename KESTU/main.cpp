@@ -45,8 +45,12 @@ std::unique_ptr<Repository> openStore(const StoreLocation& location) {
 /// What is opened at the start: nothing where the session starts KESTU, not the user.
 enum class FirstView { none, window };
 
-/// Light or dark as the desktop says; where it says nothing, as its own palette looks.
-const Colors& wantedColors(const Appearance& appearance, const QPalette& desktopPalette) {
+/// Light or dark as the user chose; else as the desktop says; where it says nothing, as its own palette
+/// looks.
+const Colors& wantedColors(ThemeChoice choice, const Appearance& appearance, const QPalette& desktopPalette) {
+    if (choice != ThemeChoice::system) {
+        return choice == ThemeChoice::dark ? darkColors() : lightColors();
+    }
     if (const auto scheme = appearance.colorScheme()) {
         return *scheme == ColorScheme::dark ? darkColors() : lightColors();
     }
@@ -74,7 +78,6 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
         say(started.warning);
     }
     Appearance& appearance = started.platform->appearance();
-    applyTheme(application, wantedColors(appearance, desktopPalette));
     KestuApp kestuApp(
         std::move(repository), *started.platform,
         {.clock = systemNow,
@@ -82,10 +85,19 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
          .screen = qEnvironmentVariable("KESTU_SCREEN"),
          .assistantServer = QCoreApplication::applicationDirPath() + QStringLiteral("/kestu-mcp")});
     Shell shell(kestuApp.model(), QSystemTrayIcon::isSystemTrayAvailable);
-    QObject::connect(&appearance, &Appearance::colorSchemeChanged, &application, [&] {
-        applyTheme(application, wantedColors(appearance, desktopPalette));
-        shell.refreshColors();
-    });
+    const auto refreshColors = [&] {
+        applyTheme(application, wantedColors(kestuApp.model().themeChoice(), appearance, desktopPalette));
+    };
+    QObject::connect(&appearance, &Appearance::colorSchemeChanged, &application, refreshColors);
+    QObject::connect(&kestuApp.model(), &AppModel::themeChoiceChanged, &application, refreshColors);
+    refreshColors();
+    const auto refreshTray = [&] {
+        const auto ink = appearance.trayInk();
+        shell.statusItem().setInk(ink ? std::optional(QColor(ink->red, ink->green, ink->blue))
+                                      : std::nullopt);
+    };
+    QObject::connect(&appearance, &Appearance::trayInkChanged, &application, refreshTray);
+    refreshTray();
     const TerminationSignals signalsToEnd;
     // Not quit(), which asks the windows first: without a tray they refuse to close.
     QObject::connect(&signalsToEnd, &TerminationSignals::terminationRequested, &application,

@@ -9,6 +9,7 @@
 #include "app/Classification.h"
 #include "app/ManualDraft.h"
 #include "app/SidebarItem.h"
+#include "app/ThemeChoice.h"
 #include "base/Calendar.h"
 #include "base/Time.h"
 #include "capture/Tracker.h"
@@ -84,6 +85,9 @@ public:
     [[nodiscard]] const QMap<QString, QString>& excludedApps() const { return m_excludedApps; }
     [[nodiscard]] bool launchAtLogin() const { return m_launchAtLogin; }
     [[nodiscard]] bool welcomeShown() const;
+    [[nodiscard]] ThemeChoice themeChoice() const { return m_themeChoice; }
+    /// Where the window was, in the window's own words; empty at first.
+    [[nodiscard]] QMap<QString, QString> windowPlace() const;
     /// The applications recorded on the selected day: bundle id -> name.
     [[nodiscard]] QMap<QString, QString> recordedApps() const;
     [[nodiscard]] const QString& assistantServer() const { return m_environment.assistantServer; }
@@ -129,6 +133,8 @@ public:
     void excludeApp(const QString& bundleId, const QString& name);
     void includeApp(const QString& bundleId);
     void setWelcomeShown();
+    void setThemeChoice(ThemeChoice choice);
+    void setWindowPlace(const QMap<QString, QString>& place);
 
     // The system
 
@@ -207,6 +213,7 @@ Q_SIGNALS:
     void keepAliveEnabledChanged();
     void excludedAppsChanged();
     void launchAtLoginChanged();
+    void themeChoiceChanged();
 
 private:
     /// What may fail again and again for one and the same cause.
@@ -256,6 +263,7 @@ private:
     void refreshWhyUnseen();
     void setExcludedApps(QMap<QString, QString> apps);
     void applyLaunchAtLogin();
+    void loadThemeChoice();
     void tryPlatform(const std::function<void()>& body, const QString& prefix = {});
 
     Environment m_environment;
@@ -287,6 +295,7 @@ private:
     bool m_keepAliveEnabled = true;
     QMap<QString, QString> m_excludedApps;
     bool m_launchAtLogin = false;
+    ThemeChoice m_themeChoice = ThemeChoice::system;
 
     Instant m_shownDay{};                  // whose items and note are held
     std::vector<Activity> m_dayActivities; // what the day's items were resolved from

@@ -21,6 +21,8 @@ const QString idleMinutes = QStringLiteral("idleMinutes");
 const QString keepAliveEnabled = QStringLiteral("keepAliveEnabled");
 const QString excludedApps = QStringLiteral("excludedApps");
 const QString welcomeShown = QStringLiteral("welcomeShown");
+const QString themeChoice = QStringLiteral("appearance");
+const QString windowPlace = QStringLiteral("window");
 } // namespace key
 
 constexpr int defaultIdleMinutes = 3;
@@ -38,6 +40,7 @@ void AppModel::loadSettings() {
     const int minutes = store.integer(key::idleMinutes).value_or(0);
     setIdleMinutes(minutes >= 1 ? minutes : defaultIdleMinutes);
     setLaunchAtLogin(m_platform.loginItem().isEnabled());
+    loadThemeChoice();
     setKeepAliveEnabled(store.boolean(key::keepAliveEnabled).value_or(true));
     setExcludedApps(store.dictionary(key::excludedApps).value_or(QMap<QString, QString>()));
 }
@@ -131,6 +134,30 @@ bool AppModel::welcomeShown() const {
 
 void AppModel::setWelcomeShown() {
     tryPlatform([this] { m_platform.settingsStore().setBoolean(key::welcomeShown, true); });
+}
+
+void AppModel::loadThemeChoice() {
+    const int stored = m_platform.settingsStore().integer(key::themeChoice).value_or(0);
+    for (const ThemeChoice choice : {ThemeChoice::system, ThemeChoice::light, ThemeChoice::dark}) {
+        if (static_cast<int>(choice) == stored) {
+            assign(m_themeChoice, choice, &AppModel::themeChoiceChanged);
+        }
+    }
+}
+
+void AppModel::setThemeChoice(ThemeChoice choice) {
+    assign(m_themeChoice, choice, &AppModel::themeChoiceChanged);
+    tryPlatform([&] { m_platform.settingsStore().setInteger(key::themeChoice, static_cast<int>(choice)); });
+}
+
+QMap<QString, QString> AppModel::windowPlace() const {
+    return m_platform.settingsStore().dictionary(key::windowPlace).value_or(QMap<QString, QString>());
+}
+
+void AppModel::setWindowPlace(const QMap<QString, QString>& place) {
+    if (place != windowPlace()) {
+        tryPlatform([&] { m_platform.settingsStore().setDictionary(key::windowPlace, place); });
+    }
 }
 
 // The system

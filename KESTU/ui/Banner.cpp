@@ -11,8 +11,16 @@
 #include <QPainter>
 
 namespace kestu {
+namespace {
 
-Banner::Banner(const QString& title, TextLabel* text, QWidget* buttons) {
+constexpr int gap = 12;
+constexpr int narrow = 700; // from here on the buttons stand below the texts
+
+} // namespace
+
+Banner::Banner(const QString& title, TextLabel* text, QWidget* buttons)
+    : m_body(new QHBoxLayout)
+    , m_buttons(buttons) {
     auto* heading = new TextLabel(title, TextStyle::callout, ink::primary, Overflow::elideRight);
     heading->setFont(semibold(heading->font()));
     auto* texts = new QVBoxLayout;
@@ -22,12 +30,23 @@ Banner::Banner(const QString& title, TextLabel* text, QWidget* buttons) {
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 12, 12, 12);
-    layout->setSpacing(12);
+    layout->setSpacing(gap);
     layout->addWidget(
         new IconView(QStringLiteral("exclamationmark.triangle.fill"), metrics::iconBanner, &Colors::orange));
-    layout->addLayout(texts, 1);
-    if (buttons) {
-        layout->addWidget(buttons);
+    layout->addLayout(m_body, 1);
+    m_body->setSpacing(gap);
+    m_body->addLayout(texts, 1);
+    if (m_buttons) {
+        m_body->addWidget(m_buttons);
+    }
+}
+
+void Banner::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    const bool isNarrow = width() < narrow;
+    m_body->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    if (m_buttons) {
+        m_body->setAlignment(m_buttons, isNarrow ? Qt::AlignLeft : Qt::Alignment());
     }
 }
 

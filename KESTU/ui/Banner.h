@@ -5,6 +5,8 @@
 
 #include <QFrame>
 
+class QBoxLayout;
+
 namespace kestu {
 
 class AppModel;
@@ -17,6 +19,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QBoxLayout* m_body; // the texts and the buttons
+    QWidget* m_buttons;
 };
 
 /// While no window can be seen: why, and what would help.

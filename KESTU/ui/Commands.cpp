@@ -6,10 +6,13 @@
 
 #include <QMenu>
 
+#include <utility>
+
 namespace kestu {
 
 Commands::Commands(AppModel& model)
     : m_model(model)
+    , m_themeChoices(nullptr)
     , m_open(QStringLiteral("開く"))
     , m_checkForUpdates(QStringLiteral("アップデートを確認…"))
     , m_help(QStringLiteral("はじめかた"))
@@ -27,11 +30,38 @@ Commands::Commands(AppModel& model)
     connect(&m_support, &QAction::triggered, this, [this] { showPage(HelpPage::support); });
     connect(&m_terms, &QAction::triggered, this, [this] { showPage(HelpPage::terms); });
     connect(&m_quit, &QAction::triggered, this, &Commands::quitRequested);
+    addThemeChoices();
+    connect(&m_model, &AppModel::themeChoiceChanged, this, &Commands::refreshThemeChoice);
+    refreshThemeChoice();
     connect(&m_model, &AppModel::isTrackingChanged, this, &Commands::refreshTracking);
     refreshTracking();
 }
 
+void Commands::addThemeChoices() {
+    const std::pair<ThemeChoice, QString> choices[] = {
+        {ThemeChoice::system, QStringLiteral("システムに合わせる")},
+        {ThemeChoice::light, QStringLiteral("ライト")},
+        {ThemeChoice::dark, QStringLiteral("ダーク")},
+    };
+    for (const auto& [choice, text] : choices) {
+        QAction* action = m_themeChoices.addAction(text);
+        action->setCheckable(true);
+        action->setData(static_cast<int>(choice));
+        connect(action, &QAction::triggered, &m_model,
+                [this, wanted = choice] { m_model.setThemeChoice(wanted); });
+    }
+}
+
+void Commands::refreshThemeChoice() {
+    for (QAction* action : m_themeChoices.actions()) {
+        action->setChecked(action->data().toInt() == static_cast<int>(m_model.themeChoice()));
+    }
+}
+
 void Commands::fillWindowMenu(QMenu& menu) {
+    menu.addAction(&m_toggleTracking);
+    menu.addMenu(QStringLiteral("外観"))->addActions(m_themeChoices.actions());
+    menu.addSeparator();
     fillCommon(menu);
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QAction>
+#include <QActionGroup>
 #include <QObject>
 
 class QMenu;
@@ -20,10 +21,11 @@ class Commands final : public QObject {
 public:
     explicit Commands(AppModel& model);
 
-    /// The commands of the application menu, in order.
+    /// Pausing, for a desktop without a tray has no other place for it; how the screens look; and the
+    /// commands of the application menu.
     void fillWindowMenu(QMenu& menu);
 
-    /// The same, led by the panel's three controls: some desktops offer nothing but this menu.
+    /// Those commands, led by the panel's three controls: some desktops offer nothing but this menu.
     void fillStatusMenu(QMenu& menu);
 
     [[nodiscard]] QAction& help() { return m_help; }
@@ -40,12 +42,15 @@ Q_SIGNALS:
     void updateCheckRequested();
 
 private:
+    void addThemeChoices();
+    void refreshThemeChoice();
     void refreshTracking();
     void showPage(HelpPage page);
     void fillCommon(QMenu& menu);
 
     AppModel& m_model;
     QAction m_toggleTracking;
+    QActionGroup m_themeChoices;
     QAction m_open;
     QAction m_newVersion;
     QAction m_checkForUpdates;

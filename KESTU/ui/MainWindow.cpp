@@ -28,11 +28,13 @@
 namespace kestu {
 namespace {
 
-constexpr QSize minimumContent{900, 560};
+constexpr QSize minimumContent{640, 400};
 constexpr QSize defaultContent{1100, 720};
 constexpr int sidebarWidth = 200;
 constexpr int narrowSidebarWidth = 180;
+constexpr int compactSidebarWidth = 56;
 constexpr int narrowWindow = 920;
+constexpr int compactWindow = 900;
 
 template<typename Layout>
 Layout* tight(QWidget* owner) {
@@ -230,7 +232,11 @@ void MainWindow::showEvent(QShowEvent* event) {
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
-    m_sidebar->setFixedWidth(width() < narrowWindow ? narrowSidebarWidth : sidebarWidth);
+    const bool isCompact = width() < compactWindow;
+    m_sidebar->setCompact(isCompact);
+    m_sidebar->setFixedWidth(isCompact                ? compactSidebarWidth
+                             : width() < narrowWindow ? narrowSidebarWidth
+                                                      : sidebarWidth);
     QWidget::resizeEvent(event);
 }
 

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 
 namespace kestu {
 namespace {
@@ -187,19 +188,32 @@ void MenuBarView::resizeEvent(QResizeEvent* event) {
     painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), metrics::radiusCard, metrics::radiusCard);
     setMask(shape);
     QFrame::resizeEvent(event);
+    Q_EMIT resized();
 }
 
-QPoint panelPosition(const QSize& panel, const QRect& anchor, const QPoint& cursor, const QRect& screen) {
+QPoint panelPosition(const QSize& panel, const QRect& anchor, const QRect& room) {
     constexpr int distance = 6;
-    const QRect at = anchor.isEmpty() ? QRect(cursor, QSize(1, 1)) : anchor;
-    const int below = at.bottom() + 1 + distance;
-    const bool fitsBelow = below + panel.height() <= screen.bottom() + 1 - distance;
-    const QPoint wanted(at.center().x() - panel.width() / 2,
-                        fitsBelow ? below : at.top() - distance - panel.height());
-    return {std::clamp(wanted.x(), screen.left() + distance,
-                       std::max(screen.left() + distance, screen.right() + 1 - distance - panel.width())),
-            std::clamp(wanted.y(), screen.top() + distance,
-                       std::max(screen.top() + distance, screen.bottom() + 1 - distance - panel.height()))};
+    constexpr int edge = 100; // what is nearer to an edge than that is in a row or column along it
+    const QRect inner = room.adjusted(distance, distance, -distance, -distance);
+    const auto inside = [&](QPoint corner) {
+        return QPoint(
+            std::clamp(corner.x(), inner.left(), std::max(inner.left(), inner.right() + 1 - panel.width())),
+            std::clamp(corner.y(), inner.top(), std::max(inner.top(), inner.bottom() + 1 - panel.height())));
+    };
+    const QPoint middle = anchor.center() - QPoint(panel.width() / 2, panel.height() / 2);
+    std::array sides{QPoint(middle.x(), anchor.bottom() + 1 + distance),
+                     QPoint(middle.x(), anchor.top() - distance - panel.height()),
+                     QPoint(anchor.right() + 1 + distance, middle.y()),
+                     QPoint(anchor.left() - distance - panel.width(), middle.y())};
+    const auto isNear = [&](int at, int first, int last) { return at - first < edge || last - at < edge; };
+    if (isNear(anchor.center().x(), room.left(), room.right()) &&
+        !isNear(anchor.center().y(), room.top(), room.bottom())) {
+        std::rotate(sides.begin(), sides.begin() + 2, sides.end());
+    }
+    const QRect around = anchor.adjusted(-distance, -distance, distance, distance);
+    const auto isFree = [&](QPoint corner) { return !QRect(inside(corner), panel).intersects(around); };
+    const auto* side = std::find_if(sides.begin(), sides.end(), isFree);
+    return inside(side == sides.end() ? sides.front() : *side);
 }
 
 } // namespace kestu

@@ -13,8 +13,14 @@ class Commands;
 class TextLabel;
 
 class MenuBarView final : public QFrame {
+    Q_OBJECT
+
 public:
     MenuBarView(AppModel& model, Commands& commands);
+
+Q_SIGNALS:
+    /// It is as high as what it holds, and must be placed anew.
+    void resized();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -36,9 +42,8 @@ private:
     QWidget* m_projects;
 };
 
-/// Where the panel stands: beside the status item, below it where there is room, else above; without its
-/// place (`anchor` is empty) beside the cursor. Always inside the screen.
-[[nodiscard]] QPoint panelPosition(const QSize& panel, const QRect& anchor, const QPoint& cursor,
-                                   const QRect& screen);
+/// Where the panel stands: at a side of the anchor (the status item, or where the cursor was) where it covers
+/// nothing of it, wholly inside `room`. Below or above first, unless the anchor is in a column at the side.
+[[nodiscard]] QPoint panelPosition(const QSize& panel, const QRect& anchor, const QRect& room);
 
 } // namespace kestu

@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 #include "ui/MainWindow.h"
 #include "ui/MenuBarView.h"
+#include "ui/WindowPlace.h"
 #include "ui/theme/Icons.h"
 
 #include <QCoreApplication>
@@ -57,6 +58,9 @@ Shell::Shell(AppModel& model, std::function<bool()> isTrayThere)
 
 Shell::~Shell() {
     delete m_panel;
+    if (m_window) {
+        m_window->hide(); // which remembers its place
+    }
     delete m_window;
 }
 
@@ -73,6 +77,7 @@ void Shell::makeWindow() {
         m_window = new MainWindow(m_model, m_commands);
         m_window->setAttribute(Qt::WA_DeleteOnClose);
         m_window->mayClose = [this] { return closeOrMinimise(); };
+        new WindowPlace(*m_window, m_model); // the window's
     }
 }
 
@@ -111,14 +116,21 @@ void Shell::togglePanel() {
     m_panel = new MenuBarView(m_model, m_commands);
     m_panel->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_panel, &QObject::destroyed, this, [this] { m_sincePanelClosed.start(); });
-    const QRect anchor = m_statusItem.geometry();
-    const QPoint cursor = QCursor::pos();
-    const QScreen* screen = QGuiApplication::screenAt(anchor.isEmpty() ? cursor : anchor.center());
-    screen = screen ? screen : QGuiApplication::primaryScreen();
-    m_panel->move(panelPosition(m_panel->sizeHint(), anchor, cursor, screen->availableGeometry()));
+    m_panelAnchor = QRect(QCursor::pos(), QSize(1, 1)); // where the desktop does not tell the icon's place
+    m_panel->adjustSize();
+    placePanel();
+    connect(m_panel, &MenuBarView::resized, this, &Shell::placePanel);
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
+}
+
+void Shell::placePanel() {
+    const QRect icon = m_statusItem.geometry();
+    m_panelAnchor = icon.isEmpty() ? m_panelAnchor : icon;
+    const QScreen* screen = QGuiApplication::screenAt(m_panelAnchor.center());
+    screen = screen ? screen : QGuiApplication::primaryScreen();
+    m_panel->move(panelPosition(m_panel->size(), m_panelAnchor, screen->availableGeometry()));
 }
 
 void Shell::checkForUpdates() {

@@ -33,9 +33,6 @@ public:
     /// Asks once, quietly, whether there is a newer version.
     void checkForUpdatesQuietly();
 
-    /// After a change of the application's colours.
-    void refreshColors() { m_statusItem.refreshIcon(); }
-
     [[nodiscard]] MainWindow* window() const; // null while closed
     [[nodiscard]] MenuBarView* panel() const; // null while closed
     [[nodiscard]] StatusItem& statusItem() { return m_statusItem; }
@@ -45,6 +42,7 @@ private:
     [[nodiscard]] bool closeOrMinimise();
     void quit();
     void togglePanel();
+    void placePanel();
     void checkForUpdates();
     void showAnswer(const UpdateAnswer& answer);
     void stayReachable();
@@ -55,6 +53,7 @@ private:
     StatusItem m_statusItem;
     QPointer<MainWindow> m_window;
     QPointer<MenuBarView> m_panel;
+    QRect m_panelAnchor; // what the panel stands beside
     QElapsedTimer m_sincePanelClosed;
     QTimer m_trayWatch;
 };

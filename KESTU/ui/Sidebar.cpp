@@ -23,6 +23,7 @@ constexpr int rowGap = 2;
 constexpr int listMargin = 8;
 constexpr int badgeRole = Qt::UserRole;
 constexpr int iconRole = Qt::UserRole + 1;
+constexpr int compactWidth = 80; // of a row: what is narrower has no room for a name
 
 class SidebarRow final : public QStyledItemDelegate {
 public:
@@ -40,11 +41,13 @@ public:
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         paintBackground(*painter, option, row, colors);
+        if (row.width() < compactWidth) {
+            paintCompact(*painter, row, index, isSelected, colors);
+            painter->restore();
+            return;
+        }
         QRect inner = row.adjusted(listMargin, 0, -listMargin, 0);
-        const QRect icon(inner.left(), inner.center().y() - metrics::iconSidebar / 2 + 1,
-                         metrics::iconSidebar, metrics::iconSidebar);
-        paintIcon(*painter, icon, index.data(iconRole).toString(),
-                  isSelected ? Qt::white : colors.textSecondary);
+        paintScreenIcon(*painter, QPoint(inner.left(), inner.center().y()), index, isSelected, colors);
         inner.setLeft(inner.left() + metrics::iconSidebar + 8);
         inner.setRight(inner.right() -
                        paintBadge(*painter, inner, index.data(badgeRole).toInt(), isSelected, colors));
@@ -58,6 +61,39 @@ public:
     }
 
 private:
+    /// The icon in the middle, and a badge over its corner.
+    static void paintCompact(QPainter& painter, const QRect& row, const QModelIndex& index, bool isSelected,
+                             const Colors& colors) {
+        const int left = row.center().x() - metrics::iconSidebar / 2 + 1;
+        paintScreenIcon(painter, QPoint(left, row.center().y()), index, isSelected, colors);
+        const int count = index.data(badgeRole).toInt();
+        if (count > 0) {
+            paintSmallBadge(painter, QPoint(left + metrics::iconSidebar, row.top() + 2), count, colors);
+        }
+    }
+
+    static void paintScreenIcon(QPainter& painter, const QPoint& left, const QModelIndex& index,
+                                bool isSelected, const Colors& colors) {
+        const QRect icon(left.x(), left.y() - metrics::iconSidebar / 2 + 1, metrics::iconSidebar,
+                         metrics::iconSidebar);
+        paintIcon(painter, icon, index.data(iconRole).toString(),
+                  isSelected ? Qt::white : colors.textSecondary);
+    }
+
+    /// Around a point of the icon's upper right; what it covers of the icon is not seen through it.
+    static void paintSmallBadge(QPainter& painter, const QPoint& at, int count, const Colors& colors) {
+        const QFont font = semibold(fontOf(TextStyle::caption2));
+        const QString text = count > 99 ? QStringLiteral("99+") : QString::number(count);
+        const int width = std::max(16, QFontMetrics(font).horizontalAdvance(text) + 8);
+        const QRectF badge(at.x() - 6, at.y(), width, 16);
+        painter.setPen(QPen(colors.sidebar, 1.5));
+        painter.setBrush(colors.textSecondary);
+        painter.drawRoundedRect(badge.adjusted(-0.75, -0.75, 0.75, 0.75), 8.75, 8.75);
+        painter.setFont(font);
+        painter.setPen(colors.sidebar);
+        painter.drawText(badge, Qt::AlignCenter, text);
+    }
+
     static void paintBackground(QPainter& painter, const QStyleOptionViewItem& option, const QRect& row,
                                 const Colors& colors) {
         painter.setPen(Qt::NoPen);
@@ -125,7 +161,8 @@ IconButton* makeMenuButton(Commands& commands) {
     QObject::connect(button, &QAbstractButton::clicked, menu, [button, menu] {
         // Above the button, which stands at the window's foot.
         const QSize size = menu->sizeHint();
-        menu->popup(button->mapToGlobal(QPoint(button->width() - size.width(), -size.height() - 4)));
+        const int left = std::max(button->width() - size.width(), listMargin - button->x());
+        menu->popup(button->mapToGlobal(QPoint(left, -size.height() - 4)));
     });
     return button;
 }
@@ -138,7 +175,10 @@ QKeySequence keysOf(SidebarItem item) {
 
 Sidebar::Sidebar(AppModel& model, Commands& commands)
     : m_model(model)
-    , m_list(makeList()) {
+    , m_list(makeList())
+    , m_status(new TrackingStatus(model))
+    , m_menu(makeMenuButton(commands))
+    , m_foot(new QHBoxLayout) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 12, 0, 0);
     layout->setSpacing(0);
@@ -147,11 +187,10 @@ Sidebar::Sidebar(AppModel& model, Commands& commands)
     listRow->addWidget(m_list);
     layout->addLayout(listRow);
     layout->addStretch();
-    auto* foot = new QHBoxLayout;
-    foot->setContentsMargins(12, 12, 12, 12);
-    foot->addWidget(new TrackingStatus(model), 1);
-    foot->addWidget(makeMenuButton(commands), 0, Qt::AlignBottom);
-    layout->addLayout(foot);
+    m_foot->setContentsMargins(12, 12, 12, 12);
+    m_foot->addWidget(m_status, 1);
+    m_foot->addWidget(m_menu, 0, Qt::AlignBottom);
+    layout->addLayout(m_foot);
 
     connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) {
         if (row >= 0) {
@@ -172,6 +211,28 @@ void Sidebar::paintEvent(QPaintEvent*) {
     QPainter(this).fillRect(rect(), colorsOf(palette()).sidebar);
 }
 
+void Sidebar::setCompact(bool compact) {
+    if (m_isCompact == compact) {
+        return;
+    }
+    m_isCompact = compact;
+    m_status->setCompact(compact);
+    m_foot->setDirection(compact ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_foot->setStretchFactor(m_status, compact ? 0 : 1);
+    m_foot->setAlignment(m_status, compact ? Qt::AlignHCenter : Qt::Alignment());
+    m_foot->setAlignment(m_menu, compact ? Qt::AlignHCenter : Qt::AlignBottom);
+    refreshHelp();
+}
+
+void Sidebar::refreshHelp() {
+    for (int row = 0; row < m_list->count(); ++row) {
+        QListWidgetItem* item = m_list->item(row);
+        const QString badge = item->data(Qt::AccessibleDescriptionRole).toString();
+        const QString name = badge.isEmpty() ? item->text() : item->text() + u'\n' + badge;
+        item->setToolTip(m_isCompact ? name : QString());
+    }
+}
+
 void Sidebar::refreshScreen() {
     m_list->setCurrentRow(static_cast<int>(m_model.screen()));
 }
@@ -182,6 +243,7 @@ void Sidebar::refreshBadge() {
     item->setData(badgeRole, count);
     item->setData(Qt::AccessibleDescriptionRole,
                   count > 0 ? QStringLiteral("提案 %1 件").arg(count) : QString());
+    refreshHelp();
 }
 
 } // namespace kestu

@@ -6,12 +6,14 @@
 #include <QFrame>
 #include <QKeySequence>
 
+class QBoxLayout;
 class QListWidget;
 
 namespace kestu {
 
 class AppModel;
 class Commands;
+class TrackingStatus;
 enum class SidebarItem;
 
 /// The keys that choose a screen.
@@ -23,15 +25,23 @@ public:
 
     [[nodiscard]] QWidget* screenList() const;
 
+    /// Icons alone, with the names of the screens as tooltips.
+    void setCompact(bool compact);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void refreshScreen();
     void refreshBadge();
+    void refreshHelp();
 
     AppModel& m_model;
     QListWidget* m_list;
+    TrackingStatus* m_status;
+    QWidget* m_menu;
+    QBoxLayout* m_foot;
+    bool m_isCompact = false;
 };
 
 } // namespace kestu

@@ -28,8 +28,13 @@ QString StatusItem::iconName() const {
     return m_model.isTracking() ? QStringLiteral("clock.fill") : QStringLiteral("clock.badge.xmark");
 }
 
+void StatusItem::setInk(const std::optional<QColor>& ink) {
+    m_ink = ink;
+    refreshIcon();
+}
+
 void StatusItem::refreshIcon() {
-    m_icon.setIcon(iconOf(iconName()));
+    m_icon.setIcon(trayIconOf(iconName(), m_ink));
     m_icon.setToolTip(QStringLiteral("KESTU：") + trackingStateText(m_model));
 }
 

@@ -3,6 +3,7 @@
 // The icon in the desktop's tray. A click opens the panel, the other button the menu. Owned by the shell.
 #pragma once
 
+#include <QColor>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -28,14 +29,17 @@ public:
     /// The name of the icon that is shown.
     [[nodiscard]] QString iconName() const;
 
-    /// After a change of the desktop's colours.
-    void refreshIcon();
+    /// What the tray wants symbols drawn in; none where it does not tell.
+    void setInk(const std::optional<QColor>& ink);
 
 Q_SIGNALS:
     void clicked();
 
 private:
+    void refreshIcon();
+
     AppModel& m_model;
+    std::optional<QColor> m_ink;
     QMenu m_menu;
     QSystemTrayIcon m_icon;
 };

@@ -36,6 +36,12 @@ TrackingStatus::TrackingStatus(AppModel& model)
     refreshTotal();
 }
 
+void TrackingStatus::setCompact(bool compact) {
+    m_state->setVisible(!compact);
+    m_total->setVisible(!compact);
+    refreshHelp();
+}
+
 void TrackingStatus::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange) {
         refreshState(); // the dot's colour is a value of the old set
@@ -48,10 +54,19 @@ void TrackingStatus::refreshState() {
     const QColor& whileTracking = m_model.whyUnseen().isEmpty() ? colors.green : colors.orange;
     m_dot->setColor(m_model.isTracking() ? whileTracking : colors.textSecondary);
     m_state->setText(trackingStateText(m_model));
+    refreshHelp();
 }
 
 void TrackingStatus::refreshTotal() {
     m_total->setText(QStringLiteral("今日 ") + formatDuration(m_model.todayTotal()));
+    refreshHelp();
+}
+
+/// What cannot be read is told; assistive technology would find nothing here.
+void TrackingStatus::refreshHelp() {
+    const bool isCompact = m_state->isHidden();
+    setToolTip(isCompact ? m_state->text() + u'\n' + m_total->text() : QString());
+    setAccessibleName(isCompact ? m_state->text() + QStringLiteral("、") + m_total->text() : QString());
 }
 
 } // namespace kestu

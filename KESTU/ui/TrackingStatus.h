@@ -15,12 +15,16 @@ class TrackingStatus final : public QWidget {
 public:
     explicit TrackingStatus(AppModel& model);
 
+    /// The dot alone, with the texts as its tooltip.
+    void setCompact(bool compact);
+
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
     void refreshState();
     void refreshTotal();
+    void refreshHelp();
 
     AppModel& m_model;
     ProjectDot* m_dot;

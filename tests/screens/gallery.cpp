@@ -15,6 +15,7 @@
 #include "ui/theme/Icons.h"
 #include "ui/theme/KestuStyle.h"
 
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -92,6 +93,35 @@ void addLabels(QVBoxLayout& column) {
             new Badge(Badge::Kind::pill, u"docs.google.com"_s)});
 }
 
+/// The tray's icons on panels of one colour.
+class Panel final : public QWidget {
+public:
+    explicit Panel(const QColor& color)
+        : m_color(color) {
+        setFixedSize(212, 40);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), m_color);
+        int left = 4;
+        for (const QStringView name : {u"clock.fill", u"clock.badge.xmark"}) {
+            for (const int size : {16, 22, 24, 32}) {
+                trayIconOf(name, std::nullopt).paint(&painter, left, (height() - size) / 2, size, size);
+                left += size + 2;
+            }
+        }
+    }
+
+private:
+    QColor m_color;
+};
+
+void addTray(QVBoxLayout& column) {
+    addRow(column, u"トレイ"_s, {new Panel(Qt::white), new Panel(Qt::gray), new Panel(Qt::black)});
+}
+
 } // namespace
 
 std::unique_ptr<QWidget> makeGallery() {
@@ -105,6 +135,8 @@ std::unique_ptr<QWidget> makeGallery() {
     addChoices(*column);
     column->addWidget(new Divider);
     addLabels(*column);
+    column->addWidget(new Divider);
+    addTray(*column);
     return gallery;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Renders every finished screen, sheet and panel with the sample day to PNG files, light and dark.
+// Renders every finished screen, sheet and panel with the sample day to PNG files, light and dark; on a
+// scaled display (QT_SCALE_FACTOR) a few of each kind.
 //
 // usage: kestu_screens FOLDER
 #include "app/AppModel.h"
@@ -27,9 +28,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr QSize sizes[] = {{900, 560}, {1100, 720}};
+constexpr QSize sizes[] = {{640, 400}, {900, 560}, {1100, 720}};
 constexpr QSize large{1920, 1200};
 constexpr QSize tall{1100, 1400};
+constexpr QSize narrowAndTall{640, 1800};
 
 void save(QWidget& widget, const QDir& folder, const QString& name) {
     widget.show();
@@ -40,15 +42,26 @@ void save(QWidget& widget, const QDir& folder, const QString& name) {
     }
 }
 
-/// Presses the shown button of this text.
-void press(const QWidget& window, const QString& text) {
+QAbstractButton* shownButton(const QWidget& window, const QString& text) {
     for (auto* button : window.findChildren<QAbstractButton*>()) {
         if (button->isVisible() && (button->text() == text || button->accessibleName() == text)) {
-            button->click();
-            return;
+            return button;
         }
     }
-    throw std::runtime_error("there is no button " + text.toStdString());
+    return nullptr;
+}
+
+/// Presses the shown button of this text, in a small window also one of the drawer.
+void press(const QWidget& window, const QString& text) {
+    QAbstractButton* drawer = shownButton(window, u"詳細を開く"_s);
+    if (drawer && !shownButton(window, text)) {
+        drawer->click();
+    }
+    QAbstractButton* button = shownButton(window, text);
+    if (!button) {
+        throw std::runtime_error("there is no button " + text.toStdString());
+    }
+    button->click();
 }
 
 class Studio final {
@@ -77,20 +90,45 @@ public:
         model.loadSettings();
         model.start();
         Commands commands(model);
+        if (qApp->devicePixelRatio() == 1) {
+            renderUnscaled(model, commands);
+        } else {
+            renderSome(model, commands);
+        }
+    }
+
+private:
+    void renderUnscaled(AppModel& model, Commands& commands) {
         renderTimeline(model, commands);
         renderScreens(model, commands);
         render(std::make_unique<MenuBarView>(model, commands), u"panel"_s);
         renderStates(model, commands);
     }
 
-private:
-    void renderTimeline(AppModel& model, Commands& commands) {
+    void renderSome(AppModel& model, Commands& commands) {
+        selectNotes(model);
+        for (const SidebarEntry& entry : sidebarEntries) {
+            model.setScreen(entry.item);
+            renderWindow(model, commands, entry.raw.toString(), sizes[0]);
+            renderWindow(model, commands, entry.raw.toString(), sizes[1]);
+        }
+        model.setScreen(SidebarItem::timeline);
+        renderPressed(model, commands, u"sheet-rule"_s, {u"振り分ける…"_s}, sizes[0]);
+        render(std::make_unique<MenuBarView>(model, commands), u"panel"_s);
+    }
+
+    static void selectNotes(AppModel& model) {
         const auto& items = model.dayItems();
         const auto notes = std::find_if(items.begin(), items.end(), [](const ResolvedActivity& item) {
             return item.activity.title == QString::fromUtf16(test::sample::meetingNotes);
         });
         model.setSelectedActivityId(notes->activity.id);
+    }
+
+    void renderTimeline(AppModel& model, Commands& commands) {
+        selectNotes(model);
         renderWindow(model, commands, u"timeline"_s);
+        renderPressed(model, commands, u"timeline-drawer"_s, {u"詳細を開く"_s}, sizes[0]);
         renderWindow(model, commands, u"timeline"_s, large);
         renderPressed(model, commands, u"sheet-rule"_s, {u"振り分ける…"_s});
         renderPressed(model, commands, u"sheet-note"_s, {u"編集"_s});
@@ -106,6 +144,7 @@ private:
                 model.setScreen(entry.item);
                 renderWindow(model, commands, entry.raw.toString());
                 renderWindow(model, commands, entry.raw.toString(), tall);
+                renderWindow(model, commands, entry.raw.toString(), narrowAndTall);
             }
         }
         model.setScreen(SidebarItem::report);
@@ -166,15 +205,20 @@ private:
     /// After these buttons have been pressed.
     void renderPressed(AppModel& model, Commands& commands, const QString& name, const QStringList& buttons) {
         for (const QSize& size : sizes) {
-            auto window = std::make_unique<MainWindow>(model, commands);
-            window->resize(size);
-            window->show();
-            for (const QString& button : buttons) {
-                press(*window, button);
-                QApplication::processEvents();
-            }
-            render(std::move(window), u"%1-%2x%3"_s.arg(name).arg(size.width()).arg(size.height()));
+            renderPressed(model, commands, name, buttons, size);
         }
+    }
+
+    void renderPressed(AppModel& model, Commands& commands, const QString& name, const QStringList& buttons,
+                       const QSize& size) {
+        auto window = std::make_unique<MainWindow>(model, commands);
+        window->resize(size);
+        window->show();
+        for (const QString& button : buttons) {
+            press(*window, button);
+            QApplication::processEvents();
+        }
+        render(std::move(window), u"%1-%2x%3"_s.arg(name).arg(size.width()).arg(size.height()));
     }
 
     void renderWindow(AppModel& model, Commands& commands, const QString& name, const QSize& size) {
@@ -184,7 +228,9 @@ private:
     }
 
     void render(std::unique_ptr<QWidget> widget, const QString& name) {
-        save(*widget, m_folder, u"%1-%2"_s.arg(name, m_theme));
+        const qreal scale = qApp->devicePixelRatio();
+        save(*widget, m_folder,
+             u"%1-%2"_s.arg(name, m_theme) + (scale == 1 ? QString() : u"@%1x"_s.arg(scale)));
     }
 
     QDir m_folder;
@@ -203,7 +249,9 @@ int renderInto(QApplication& application, const QDir& folder) {
                                                         {u"dark"_s, darkColors()}};
     for (const auto& [name, colors] : themes) {
         applyTheme(application, colors);
-        save(*makeGallery(), folder, u"controls-"_s + name);
+        if (application.devicePixelRatio() == 1) {
+            save(*makeGallery(), folder, u"controls-"_s + name);
+        }
         Studio(folder, name).renderAll();
     }
     return EXIT_SUCCESS;

@@ -180,6 +180,7 @@ struct FakeAppearance final : Appearance {
     std::optional<ColorScheme> scheme;
 
     [[nodiscard]] std::optional<ColorScheme> colorScheme() const override { return scheme; }
+    [[nodiscard]] std::optional<Rgb> trayInk() const override { return std::nullopt; }
     void set(ColorScheme to) {
         scheme = to;
         Q_EMIT colorSchemeChanged();

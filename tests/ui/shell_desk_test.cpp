@@ -74,6 +74,18 @@ protected:
         waitUntil([this] { return !shell->window() || shell->window()->isMinimized(); }, patience);
     }
 
+    /// The tray moves its icons for a while.
+    [[nodiscard]] bool hasTrayIcon() {
+        QRect place;
+        return waitUntil(
+            [&] {
+                const QRect before = std::exchange(place, shell->statusItem().geometry());
+                waitUntil([] { return false; }, 300);
+                return place.topLeft() != QPoint() && place == before;
+            },
+            15000);
+    }
+
     [[nodiscard]] std::string rows() { return store.dump(u"SELECT count(*) FROM activity"_s); }
 
     void TearDown() override {
@@ -118,14 +130,7 @@ TEST_F(ShellTest, GreetsOnceAndHasOneWayOutOfTheGreeting) {
 TEST_F(ShellTest, PausesAndResumesFromThePanelAndFromTheMenu) {
     const test::Program tray(u"trayer"_s, {u"--edge"_s, u"top"_s, u"--align"_s, u"right"_s});
     launch();
-    QRect place; // the tray moves its icons for a while
-    ASSERT_TRUE(waitUntil(
-        [&] {
-            const QRect before = std::exchange(place, shell->statusItem().geometry());
-            waitUntil([] { return false; }, 300);
-            return place.topLeft() != QPoint() && place == before;
-        },
-        15000));
+    ASSERT_TRUE(hasTrayIcon());
     const auto iconName = [this] { return shell->statusItem().iconName(); };
     const auto clickIcon = [this] { test::clickAt(shell->statusItem().geometry().center()); };
     EXPECT_EQ(iconName(), u"clock.fill"_s);
@@ -155,6 +160,105 @@ TEST_F(ShellTest, PausesAndResumesFromThePanelAndFromTheMenu) {
     ASSERT_TRUE(waitUntil([this] { return shell->panel() && shell->panel()->isActiveWindow(); }, patience));
     shell->window()->activateWindow();
     EXPECT_TRUE(waitUntil([this] { return !shell->panel(); }, patience)) << "it closes without the focus";
+}
+
+TEST_F(ShellTest, KeepsThePanelBesideTheIconAndOnTheScreenWhateverItHolds) {
+    const test::Program tray(u"trayer"_s, {u"--edge"_s, u"bottom"_s, u"--align"_s, u"right"_s});
+    launch();
+    ASSERT_TRUE(hasTrayIcon());
+    model->shiftDay(-1); // without projects
+    const auto isWellPlaced = [this] {
+        const QRect place = shell->panel()->frameGeometry();
+        return QGuiApplication::primaryScreen()->availableGeometry().contains(place) &&
+               !place.intersects(shell->statusItem().geometry()) &&
+               shell->statusItem().geometry().top() - place.bottom() < 20;
+    };
+    test::clickAt(shell->statusItem().geometry().center());
+    ASSERT_TRUE(waitUntil([this] { return shell->panel() && shell->panel()->isActiveWindow(); }, patience));
+    EXPECT_TRUE(waitUntil(isWellPlaced, patience));
+    const int before = shell->panel()->height();
+    model->goToToday();
+    EXPECT_TRUE(waitUntil([&] { return shell->panel()->height() > before && isWellPlaced(); }, patience));
+    model->toggleTracking();
+    EXPECT_TRUE(waitUntil(isWellPlaced, patience));
+    EXPECT_TRUE(click(u"記録を再開"_s)) << "its buttons are reached";
+}
+
+TEST_F(ShellTest, OpensTheWindowWhereItWasAndAlwaysOnAScreen) {
+    launch();
+    shell->window()->setGeometry(300, 200, 950, 600);
+    ASSERT_TRUE(
+        waitUntil([this] { return shell->window()->geometry() == QRect(300, 200, 950, 600); }, patience));
+    closeWindow();
+    ASSERT_FALSE(shell->window());
+    const auto reopen = [this] {
+        shell->showWindow();
+        return waitUntil([this] { return shell->window()->isActiveWindow(); }, patience);
+    };
+    ASSERT_TRUE(reopen());
+    EXPECT_TRUE(
+        waitUntil([this] { return shell->window()->geometry() == QRect(300, 200, 950, 600); }, patience))
+        << shell->window()->x() << ' ' << shell->window()->y();
+
+    shell->window()->showMaximized();
+    ASSERT_TRUE(waitUntil([this] { return shell->window()->width() > 1800; }, patience));
+    closeWindow();
+    ASSERT_TRUE(reopen());
+    EXPECT_TRUE(waitUntil([this] { return shell->window()->width() > 1800; }, patience));
+    shell->window()->showNormal();
+    EXPECT_TRUE(waitUntil([this] { return shell->window()->size() == QSize(950, 600); }, patience));
+    closeWindow();
+
+    auto& stored = platform.fakeSettings.dictionaries[u"window"_s];
+    for (const auto& [x, width] : {std::pair(u"5000"_s, u"950"_s), std::pair(u"-20"_s, u"9000"_s)}) {
+        stored[u"x"_s] = x;
+        stored[u"width"_s] = width;
+        ASSERT_TRUE(reopen());
+        EXPECT_TRUE(waitUntil(
+            [this] {
+                return QGuiApplication::primaryScreen()->geometry().contains(
+                    shell->window()->frameGeometry());
+            },
+            patience))
+            << x.toStdString();
+        closeWindow();
+    }
+    for (const auto& absurd : {QMap<QString, QString>{}, {{u"x"_s, u"many"_s}}}) {
+        stored = absurd;
+        ASSERT_TRUE(reopen());
+        EXPECT_EQ(shell->window()->size(), QSize(1100, 720));
+        closeWindow();
+    }
+}
+
+TEST_F(ShellTest, PausesAndChangesItsColoursFromTheWindowsMenu) {
+    launch();
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(click(u"一時停止"_s, QAccessible::MenuItem));
+    EXPECT_FALSE(model->isTracking());
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(click(u"記録を再開"_s, QAccessible::MenuItem));
+    EXPECT_TRUE(model->isTracking());
+
+    const auto isChecked = [](const QString& name) {
+        const auto* item = test::findControl(name, QAccessible::MenuItem);
+        return item && item->state().checked;
+    };
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(click(u"外観"_s, QAccessible::MenuItem));
+    EXPECT_TRUE(waitUntil([&] { return isChecked(u"システムに合わせる"_s); }, patience));
+    EXPECT_TRUE(click(u"ダーク"_s, QAccessible::MenuItem));
+    EXPECT_EQ(model->themeChoice(), ThemeChoice::dark);
+    EXPECT_TRUE(click(u"メニュー"_s));
+    EXPECT_TRUE(click(u"外観"_s, QAccessible::MenuItem));
+    EXPECT_TRUE(waitUntil([&] { return isChecked(u"ダーク"_s); }, patience));
+    EXPECT_FALSE(isChecked(u"システムに合わせる"_s));
+    pressKey(u"Escape"_s);
+    pressKey(u"Escape"_s);
+    shell.reset();
+    model.reset();
+    launch();
+    EXPECT_EQ(model->themeChoice(), ThemeChoice::dark) << "after a new start";
 }
 
 TEST_F(ShellTest, RecordsOnBehindAClosedWindowAndOpensItAgainOnToday) {
@@ -394,21 +498,32 @@ TEST_F(ShellTest, FollowsAChangeOfTheDesktopsColours) {
 }
 
 TEST(PanelPosition, IsBesideItsAnchorAndInsideTheScreen) {
-    const QRect screen(0, 0, 1000, 800);
-    const QSize panel(280, 300);
+    const QRect whole(0, 0, 1000, 800);
+    const QRect second(1000, 200, 600, 400);
     const struct {
         QRect anchor;
-        QPoint cursor;
+        QRect room; // of the anchor's screen, with or without the desktop's panels
         QPoint expected;
     } rows[] = {
-        {{490, 0, 20, 20}, {}, {359, 26}},    // a tray at the top
-        {{490, 780, 20, 20}, {}, {359, 474}}, // at the bottom
-        {{980, 0, 20, 20}, {}, {714, 26}},    // in a corner
-        {{}, {500, 10}, {360, 17}},           // no place known: the cursor's
-        {{}, {2, 799}, {6, 493}},             // in the other corner
+        {{490, 0, 20, 20}, whole, {359, 26}},                // a tray at the top
+        {{490, 780, 20, 20}, whole, {359, 474}},             // at the bottom
+        {{490, 780, 20, 20}, {0, 0, 1000, 770}, {359, 464}}, // which keeps its room free
+        {{980, 0, 20, 20}, whole, {714, 26}},                // in a corner
+        {{0, 390, 24, 24}, whole, {30, 251}},                // in a column at the left
+        {{976, 390, 24, 24}, whole, {690, 251}},             // at the right
+        {{976, 390, 24, 24}, {0, 0, 970, 800}, {684, 251}},  // which keeps its room free
+        {{1580, 580, 20, 20}, second, {1314, 274}},          // on another screen
+        {{1400, 200, 20, 20}, second, {1269, 226}},          //
+        {{500, 10, 1, 1}, whole, {360, 17}},                 // no place known: the cursor's
+        {{2, 799, 1, 1}, whole, {6, 493}},                   // in the other corner
+        {{490, 300, 20, 20}, {0, 0, 1000, 320}, {516, 14}},  // neither above nor below
     };
+    const QSize panel(280, 300);
     for (const auto& row : rows) {
-        EXPECT_EQ(panelPosition(panel, row.anchor, row.cursor, screen), row.expected);
+        const QPoint found = panelPosition(panel, row.anchor, row.room);
+        EXPECT_EQ(found, row.expected) << row.anchor.x() << ' ' << row.anchor.y();
+        EXPECT_FALSE(QRect(found, panel).intersects(row.anchor)) << row.anchor.x() << ' ' << row.anchor.y();
+        EXPECT_TRUE(row.room.contains(QRect(found, panel))) << row.anchor.x() << ' ' << row.anchor.y();
     }
 }
 

@@ -115,6 +115,34 @@ TEST(Icons, FollowThePaletteAndTheMode) {
     EXPECT_TRUE(iconPixmap(u"no.such.icon", {16, 16}, Qt::red, 1).isNull());
 }
 
+/// How much of what an icon covers of a panel can be told from it.
+double visiblePart(const QIcon& icon, int size, const QColor& panel) {
+    const QImage image = icon.pixmap(QSize(size, size), 1).toImage();
+    int covered = 0;
+    int seen = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            covered += pixel.alpha() > 127 ? 1 : 0;
+            seen += pixel.alpha() > 127 && contrast(over(pixel, panel), panel) >= 3 ? 1 : 0;
+        }
+    }
+    return covered == 0 ? 0 : static_cast<double>(seen) / covered;
+}
+
+TEST(Icons, AreSeenInTheTrayOfEveryPanel) {
+    for (const QStringView name : {u"clock.fill", u"clock.badge.xmark"}) {
+        for (const int size : {16, 22, 24, 32}) {
+            for (const QColor& panel : {QColor(Qt::white), QColor(0x80, 0x80, 0x80), QColor(Qt::black)}) {
+                EXPECT_GE(visiblePart(trayIconOf(name, std::nullopt), size, panel), 0.3)
+                    << name.toUtf8().constData() << " at " << size << " on " << panel.name().toStdString();
+            }
+            EXPECT_GE(visiblePart(trayIconOf(name, QColor(Qt::white)), size, QColor(0x3C3B37)), 0.7);
+        }
+        EXPECT_EQ(inkIn(trayIconOf(name, QColor(Qt::red)).pixmap(32)), 0xFFFF0000) << "as the tray says";
+    }
+}
+
 TEST(Style, GivesButtonsTheirSizes) {
     applyTheme(*qApp, lightColors());
     QPushButton normal(u"登録"_s);

@@ -5,12 +5,12 @@
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/BrowserAddress.h"
 #include "platform/linux/DesktopAccessibility.h"
+#include "platform/linux/DesktopAppearance.h"
 #include "platform/linux/DesktopOpener.h"
 #include "platform/linux/JsonSettings.h"
 #include "platform/linux/LinuxDisplayAssertions.h"
 #include "platform/linux/LinuxSystemEvents.h"
 #include "platform/linux/PackageKitUpdates.h"
-#include "platform/linux/PortalAppearance.h"
 #include "platform/linux/X11Desktop.h"
 #include "platform/linux/X11DisplayPower.h"
 #include "platform/linux/X11Input.h"
@@ -68,7 +68,8 @@ public:
         , m_loginItem(userAutostartFolder(), QCoreApplication::applicationFilePath())
         , m_accessibility(m_accessibilityBus, m_forEvents != nullptr)
         , m_softwareUpdates(QDBusConnection::systemBus())
-        , m_appearance(QDBusConnection::sessionBus()) {}
+        , m_appearance(
+              QDBusConnection::sessionBus(), [this] { return connectAgain(); }, toolkitSettingsFiles()) {}
 
     [[nodiscard]] Workspace& workspace() override { return *m_workspace; }
     [[nodiscard]] BrowserScripting& browserScripting() override { return m_browserAddress; }
@@ -83,6 +84,11 @@ public:
     [[nodiscard]] Appearance& appearance() override { return m_appearance; }
 
 private:
+    [[nodiscard]] std::unique_ptr<Xcb> connectAgain() const {
+        QString why;
+        return m_forEvents ? Xcb::connect(why) : nullptr;
+    }
+
     [[nodiscard]] std::unique_ptr<DisplayPower> makeDisplayPower() const {
         if (!m_forQuestions) {
             return std::make_unique<UnknownDisplayPower>();
@@ -124,7 +130,7 @@ private:
     DesktopOpener m_opener;
     DesktopAccessibility m_accessibility;
     PackageKitUpdates m_softwareUpdates;
-    PortalAppearance m_appearance;
+    DesktopAppearance m_appearance;
 };
 
 } // namespace

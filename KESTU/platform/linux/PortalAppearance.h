@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the desktop portal (session bus) says about light and dark. Never waits for it: unknown at first, and
-// colorSchemeChanged when the answer arrives. Owned by the Linux platform.
+// colorSchemeChanged when the answer arrives. Part of the desktop's appearance.
 #pragma once
 
 #include "platform/Appearance.h"
@@ -9,16 +9,20 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
+#include <QObject>
 
 namespace kestu {
 
-class PortalAppearance final : public Appearance {
+class PortalAppearance final : public QObject {
     Q_OBJECT
 
 public:
     explicit PortalAppearance(const QDBusConnection& sessionBus);
 
-    [[nodiscard]] std::optional<ColorScheme> colorScheme() const override { return m_scheme; }
+    [[nodiscard]] std::optional<ColorScheme> colorScheme() const { return m_scheme; }
+
+Q_SIGNALS:
+    void colorSchemeChanged();
 
 private Q_SLOTS:
     // The whole message: a slot that takes a QDBusVariant hears nothing when it is connected before anything

@@ -22,15 +22,16 @@ std::unique_ptr<Xcb> Xcb::connect(QString& why) {
         return nullptr;
     }
     auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; screenNumber > 0 && screen.rem > 1; --screenNumber) {
+    for (int number = screenNumber; number > 0 && screen.rem > 1; --number) {
         xcb_screen_next(&screen);
     }
-    return std::unique_ptr<Xcb>(new Xcb(connection, screen.data->root));
+    return std::unique_ptr<Xcb>(new Xcb(connection, screen.data->root, screenNumber));
 }
 
-Xcb::Xcb(xcb_connection_t* connection, xcb_window_t root)
+Xcb::Xcb(xcb_connection_t* connection, xcb_window_t root, int screenNumber)
     : m_connection(connection)
-    , m_root(root) {}
+    , m_root(root)
+    , m_screenNumber(screenNumber) {}
 
 Xcb::~Xcb() {
     xcb_disconnect(m_connection);

@@ -41,6 +41,7 @@ public:
 
     [[nodiscard]] xcb_connection_t* connection() const { return m_connection; }
     [[nodiscard]] xcb_window_t root() const { return m_root; }
+    [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] xcb_atom_t atom(const char* name) const;
     [[nodiscard]] bool isBroken() const;
 
@@ -56,10 +57,11 @@ public:
     void select(xcb_window_t window, std::uint32_t events) const;
 
 private:
-    Xcb(xcb_connection_t* connection, xcb_window_t root);
+    Xcb(xcb_connection_t* connection, xcb_window_t root, int screenNumber);
 
     xcb_connection_t* m_connection;
     xcb_window_t m_root;
+    int m_screenNumber;
 };
 
 } // namespace kestu

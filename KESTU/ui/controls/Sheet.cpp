@@ -251,9 +251,13 @@ void Sheet::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+int Sheet::cardWidth() const {
+    return std::min(m_width, width());
+}
+
 int Sheet::cardHeight() const {
     constexpr int edges = 2;
-    const int inner = m_width - edges;
+    const int inner = cardWidth() - edges;
     const int body = m_content->hasHeightForWidth() ? m_content->totalHeightForWidth(inner)
                                                     : m_content->totalSizeHint().height();
     const int buttons = m_footer->count() > 1 ? m_footer->totalSizeHint().height() : padding;
@@ -264,7 +268,7 @@ int Sheet::cardHeight() const {
 void Sheet::place() {
     m_footerBox->setVisible(m_footer->count() > 1);
     const int wanted = cardHeight();
-    m_card->setGeometry((width() - m_width) / 2, (height() - wanted) / 2, m_width, wanted);
+    m_card->setGeometry((width() - cardWidth()) / 2, (height() - wanted) / 2, cardWidth(), wanted);
     update();
 }
 

@@ -72,6 +72,7 @@ private:
     void uncoverHost();
     void focusFirst();
     void restoreFocus();
+    [[nodiscard]] int cardWidth() const;
     [[nodiscard]] int cardHeight() const;
     [[nodiscard]] std::vector<QWidget*> stops() const;
     [[nodiscard]] QPushButton* defaultButton() const;

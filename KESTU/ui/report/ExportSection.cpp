@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/report/ExportSection.h"
 
+#include "ui/controls/FlowLayout.h"
 #include "ui/controls/SwitchButton.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/theme/Icons.h"
@@ -51,6 +52,7 @@ QHBoxLayout* ExportSection::makeSwitch(const QString& text, bool ReportBuilder::
     auto* label = new TextLabel(text);
     button->setLabel(label);
     button->setChecked(m_options.*option);
+    m_switches.push_back(button);
     connect(button, &QAbstractButton::toggled, this, [this, option](bool on) {
         m_options.*option = on;
         Q_EMIT optionsChanged();
@@ -63,19 +65,23 @@ QHBoxLayout* ExportSection::makeSwitch(const QString& text, bool ReportBuilder::
     return row;
 }
 
-QHBoxLayout* ExportSection::makeButtons() {
+QLayout* ExportSection::makeButtons() {
     auto* markdown = new QPushButton(QStringLiteral("Markdownで保存…"));
     auto* csv = new QPushButton(QStringLiteral("CSVで保存…"));
     connect(m_copy, &QPushButton::clicked, this, &ExportSection::copyRequested);
     connect(markdown, &QPushButton::clicked, this, [this] { Q_EMIT saveRequested(ReportFormat::markdown); });
     connect(csv, &QPushButton::clicked, this, [this] { Q_EMIT saveRequested(ReportFormat::csv); });
-    auto* row = new QHBoxLayout;
-    row->setSpacing(8);
+    auto* row = new FlowLayout(8);
     for (QPushButton* button : {m_copy, markdown, csv}) {
         row->addWidget(button);
     }
-    row->addStretch();
     return row;
+}
+
+void ExportSection::reset() {
+    for (SwitchButton* button : m_switches) {
+        button->setChecked(true);
+    }
 }
 
 void ExportSection::setCopied(bool copied) {

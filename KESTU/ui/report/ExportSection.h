@@ -7,10 +7,15 @@
 #include "app/ReportExport.h"
 #include "ui/controls/Surfaces.h"
 
+#include <vector>
+
 class QHBoxLayout;
+class QLayout;
 class QPushButton;
 
 namespace kestu {
+
+class SwitchButton;
 
 class ExportSection final : public QWidget {
     Q_OBJECT
@@ -23,6 +28,9 @@ public:
     /// Whether the report that the options ask for is in the clipboard.
     void setCopied(bool copied);
 
+    /// To the options that it began with.
+    void reset();
+
 Q_SIGNALS:
     void optionsChanged();
     void copyRequested();
@@ -30,9 +38,10 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] QHBoxLayout* makeSwitch(const QString& text, bool ReportBuilder::Options::*option);
-    [[nodiscard]] QHBoxLayout* makeButtons();
+    [[nodiscard]] QLayout* makeButtons();
 
     ReportBuilder::Options m_options;
+    std::vector<SwitchButton*> m_switches; // all on at first
     QPushButton* m_copy;
 };
 

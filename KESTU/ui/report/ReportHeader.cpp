@@ -12,6 +12,7 @@ namespace kestu {
 namespace {
 
 constexpr int pickerWidth = 160;
+constexpr int gap = 12;
 
 /// In the order of allReportPeriods.
 QStringList periodLabels() {
@@ -32,7 +33,9 @@ ReportHeader::ReportHeader(QWidget* parent)
     , m_picker(new SegmentedPicker(QStringLiteral("期間"), periodLabels()))
     , m_back(new IconButton(QStringLiteral("chevron.left"), {}, IconButton::Kind::framed))
     , m_now(new QPushButton(QStringLiteral("いま")))
-    , m_forward(new IconButton(QStringLiteral("chevron.right"), {}, IconButton::Kind::framed)) {
+    , m_forward(new IconButton(QStringLiteral("chevron.right"), {}, IconButton::Kind::framed))
+    , m_row(new QHBoxLayout(this))
+    , m_controls(new QHBoxLayout) {
     m_picker->setFixedWidth(pickerWidth);
     m_back->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
     m_forward->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
@@ -41,12 +44,13 @@ ReportHeader::ReportHeader(QWidget* parent)
     steps->addWidget(m_back);
     steps->addWidget(m_now);
     steps->addWidget(m_forward);
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(12);
-    row->addWidget(m_title, 1);
-    row->addWidget(m_picker);
-    row->addLayout(steps);
+    m_controls->setSpacing(gap);
+    m_controls->addWidget(m_picker);
+    m_controls->addLayout(steps);
+    m_row->setContentsMargins(0, 0, 0, 0);
+    m_row->setSpacing(gap);
+    m_row->addWidget(m_title, 1);
+    m_row->addLayout(m_controls);
 
     connect(m_picker, &SegmentedPicker::chosen, this,
             [this](int index) { Q_EMIT periodChosen(allReportPeriods[static_cast<std::size_t>(index)]); });
@@ -57,6 +61,7 @@ ReportHeader::ReportHeader(QWidget* parent)
 
 void ReportHeader::display(ReportPeriod period, const QString& title, bool holdsNow) {
     m_title->setText(title);
+    arrange();
     m_picker->setCurrent(static_cast<int>(period));
     name(*m_back, QStringLiteral("前の%1"), period);
     name(*m_forward, QStringLiteral("次の%1"), period);
@@ -65,6 +70,18 @@ void ReportHeader::display(ReportPeriod period, const QString& title, bool holds
     }
     m_now->setEnabled(!holdsNow);
     m_forward->setEnabled(!holdsNow);
+}
+
+void ReportHeader::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+/// The controls stand below a title that they would leave no room for.
+void ReportHeader::arrange() {
+    const bool isWrapped = m_title->sizeHint().width() + gap + m_controls->sizeHint().width() > width();
+    m_row->setDirection(isWrapped ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_row->setAlignment(m_controls, isWrapped ? Qt::AlignLeft : Qt::Alignment());
 }
 
 } // namespace kestu

@@ -8,6 +8,7 @@
 
 #include <QWidget>
 
+class QBoxLayout;
 class QPushButton;
 
 namespace kestu {
@@ -30,12 +31,19 @@ Q_SIGNALS:
     void stepped(kestu::StepDirection direction);
     void nowRequested();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void arrange();
+
     TextLabel* m_title;
     SegmentedPicker* m_picker;
     IconButton* m_back;
     QPushButton* m_now;
     IconButton* m_forward;
+    QBoxLayout* m_row;
+    QBoxLayout* m_controls;
 };
 
 } // namespace kestu

@@ -15,6 +15,7 @@
 #include <QHideEvent>
 #include <QPainter>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
@@ -33,18 +34,18 @@ ReportScreen::ReportScreen(AppModel& model, QWidget* parent)
     , m_header(new ReportHeader)
     , m_view(new ReportView(model))
     , m_export(new ExportSection)
+    , m_scroll(new QScrollArea)
     , m_folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {
-    auto* scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus); // its controls scroll it
-    scroll->setWidget(makeColumn());
-    scroll->viewport()->setAutoFillBackground(false);
-    scroll->widget()->setAutoFillBackground(false);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFocusPolicy(Qt::NoFocus); // its controls scroll it
+    m_scroll->setWidget(makeColumn());
+    m_scroll->viewport()->setAutoFillBackground(false);
+    m_scroll->widget()->setAutoFillBackground(false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(scroll);
+    layout->addWidget(m_scroll);
     connectControls();
 
     m_refreshTimer.setSingleShot(true);
@@ -121,13 +122,15 @@ void ReportScreen::showEvent(QShowEvent* event) {
     }
 }
 
-/// Whoever comes back begins with this week.
+/// Whoever comes back begins with this week, at the top, and with everything in the export.
 void ReportScreen::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     if (!event->spontaneous()) {
         m_period = ReportPeriod::week;
         m_anchor.reset();
+        m_export->reset();
         setCopied(false);
+        m_scroll->verticalScrollBar()->setValue(0);
         m_isOutdated = true;
     }
 }

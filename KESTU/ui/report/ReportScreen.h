@@ -15,6 +15,8 @@
 #include <functional>
 #include <optional>
 
+class QScrollArea;
+
 namespace kestu {
 
 class AppModel;
@@ -69,6 +71,7 @@ private:
     ReportHeader* m_header;
     ReportView* m_view;
     ExportSection* m_export;
+    QScrollArea* m_scroll;
     ReportPeriod m_period = ReportPeriod::week;
     std::optional<Instant> m_anchor; // an instant of the shown period; none: now
     std::vector<ResolvedActivity> m_items;

@@ -8,6 +8,8 @@
 
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kestu {
 namespace {
 
@@ -22,9 +24,14 @@ constexpr int noteRise = 2; // puts the small note on the figure's baseline
 
 StatCards::StatCards(QWidget* parent)
     : QWidget(parent) {
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(gap);
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(gap);
+    for (QHBoxLayout*& row : m_rows) {
+        row = new QHBoxLayout;
+        row->setSpacing(gap);
+        rows->addLayout(row);
+    }
     for (std::size_t place = 0; place < m_values.size(); ++place) {
         auto* card = new Card;
         auto* column = new QVBoxLayout(card);
@@ -45,8 +52,38 @@ StatCards::StatCards(QWidget* parent)
         value->addLayout(note);
         value->addStretch();
         column->addLayout(value);
-        row->addWidget(card, 1);
+        m_cards[place] = card;
+        m_rows[0]->addWidget(card, 1);
     }
+}
+
+void StatCards::arrange() {
+    int needed = -gap;
+    for (const QWidget* card : m_cards) {
+        needed += card->minimumSizeHint().width() + gap;
+    }
+    const int inSecondRow = needed > width() ? 2 : 0;
+    if (m_rows[1]->count() == inSecondRow) {
+        return;
+    }
+    for (const std::size_t place : {unassigned, manual}) {
+        m_rows[inSecondRow ? 0 : 1]->removeWidget(m_cards[place]);
+        m_rows[inSecondRow ? 1 : 0]->addWidget(m_cards[place], 1);
+    }
+}
+
+/// Two beside each other, so that nobody is asked for more.
+QSize StatCards::minimumSizeHint() const {
+    int widest = 0;
+    for (const QWidget* card : m_cards) {
+        widest = std::max(widest, card->minimumSizeHint().width());
+    }
+    return {2 * widest + gap, QWidget::minimumSizeHint().height()};
+}
+
+void StatCards::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrange();
 }
 
 void StatCards::display(const ReportFigures& figures) {
@@ -55,6 +92,7 @@ void StatCards::display(const ReportFigures& figures) {
     m_values[unassigned].figure->setText(formatDuration(figures.unassigned));
     m_values[unassigned].note->setText(shareText(figures.unassigned, figures.total));
     m_values[manual].figure->setText(formatDuration(figures.manual));
+    arrange();
 }
 
 } // namespace kestu

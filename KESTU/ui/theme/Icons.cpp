@@ -104,7 +104,38 @@ private:
     QPalette::ColorRole m_role;
 };
 
+class TrayEngine final : public QIconEngine {
+public:
+    TrayEngine(QString name, const std::optional<QColor>& ink)
+        : m_name(std::move(name))
+        , m_ink(ink) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const qreal ratio = painter->device()->devicePixelRatio();
+        QPixmap drawing = pixmap((QSizeF(rect.size()) * ratio).toSize(), mode, state);
+        drawing.setDevicePixelRatio(ratio);
+        painter->drawPixmap(rect.topLeft(), drawing);
+    }
+
+    /// `size` is in pixels of the device. Seldom asked for, so not kept.
+    QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
+        return m_ink ? rendered(m_name, size, *m_ink)
+                     : rendered(m_name + QStringLiteral(".outlined"), size, Qt::white);
+    }
+
+    [[nodiscard]] QIconEngine* clone() const override { return new TrayEngine(m_name, m_ink); }
+    [[nodiscard]] QString key() const override { return QStringLiteral("kestu-tray"); }
+
+private:
+    QString m_name;
+    std::optional<QColor> m_ink;
+};
+
 } // namespace
+
+QIcon trayIconOf(QStringView name, const std::optional<QColor>& ink) {
+    return QIcon(new TrayEngine(name.toString(), ink)); // the icon owns its engine
+}
 
 QIcon iconOf(QStringView name, QPalette::ColorRole role) {
     return QIcon(new InkEngine(name.toString(), role)); // the icon owns its engine

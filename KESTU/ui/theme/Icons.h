@@ -11,12 +11,18 @@
 #include <QPixmap>
 #include <QString>
 
+#include <optional>
+
 class QPainter;
 
 namespace kestu {
 
 /// Disabled it is drawn in the disabled text colour, selected (on a filled control) in white.
 [[nodiscard]] QIcon iconOf(QStringView name, QPalette::ColorRole role = QPalette::WindowText);
+
+/// For the desktop's tray, whose colours are not ours: in `ink`, or where that is unknown as the
+/// icon of this name and ".outlined", light on dark, which is seen on every ground.
+[[nodiscard]] QIcon trayIconOf(QStringView name, const std::optional<QColor>& ink);
 
 /// Sharp at the painter's device pixel ratio: it lands on whole pixels of the device.
 void paintIcon(QPainter& painter, const QRectF& rect, QStringView name, const QColor& color);

@@ -240,6 +240,8 @@ int KestuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
         return 0;
     case SH_ToolTipLabel_Opacity:
         return 255;
+    case SH_ToolTip_WakeUpDelay:
+        return 500; // milliseconds
     case SH_Widget_Animation_Duration:
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:

@@ -12,6 +12,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kestu {
 namespace {
 
@@ -19,6 +21,7 @@ constexpr int sheetWidth = 520;
 constexpr int partGap = 10;
 constexpr int lowestText = 240;
 constexpr qsizetype longestQuote = 200;
+constexpr int aroundText = 200; // what else a low window has to hold
 
 } // namespace
 
@@ -32,7 +35,7 @@ DayNoteEditor::DayNoteEditor(QWidget* host, AppModel& model)
     setAccessibleName(QStringLiteral("この日のまとめ"));
     m_text->setAccessibleName(QStringLiteral("この日のまとめ"));
     m_text->setFont(fontOf(TextStyle::body));
-    m_text->setMinimumHeight(lowestText);
+    m_text->setMinimumHeight(std::clamp(host->height() - aroundText, lowestText / 2, lowestText));
     m_text->setTabChangesFocus(true);
     m_text->moveCursor(QTextCursor::End);
     content()->setSpacing(partGap);

@@ -144,8 +144,13 @@ QString HourBars::nameOf(SlicePlace place) const {
     return item ? sliceName(*item, m_model) : QString();
 }
 
-void HourBars::choose(SlicePlace place) {
+void HourBars::select(SlicePlace place) {
     m_model.setSelectedActivityId(at(place).activityId);
+}
+
+void HourBars::choose(SlicePlace place) {
+    select(place);
+    Q_EMIT chosen();
 }
 
 QSize HourBars::sizeHint() const {
@@ -217,7 +222,7 @@ bool HourBars::move(int key) {
                            : key == Qt::Key_End ? std::optional(m_stops.back())
                                                 : neighbour(key == Qt::Key_Left ? -1 : 1);
         if (place) {
-            choose(*place);
+            select(*place);
             reveal(boxOf(*place));
         }
         return true;

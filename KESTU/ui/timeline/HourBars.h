@@ -31,6 +31,7 @@ public:
     [[nodiscard]] QString helpOf(SlicePlace place) const;
     /// What assistive technology calls it.
     [[nodiscard]] QString nameOf(SlicePlace place) const;
+    /// Selects it and says so.
     void choose(SlicePlace place);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -38,6 +39,8 @@ public:
 Q_SIGNALS:
     /// This part is to be scrolled into view.
     void revealed(const QRect& box);
+    /// Someone pointed at a slice to see it, and is not only passing with the keyboard.
+    void chosen();
 
 protected:
     bool event(QEvent* event) override;
@@ -60,6 +63,7 @@ private:
     [[nodiscard]] std::optional<SlicePlace> sliceUnder(QPointF point) const;
     [[nodiscard]] std::optional<SlicePlace> selectedPlace() const;
     [[nodiscard]] std::optional<SlicePlace> neighbour(int direction) const;
+    void select(SlicePlace place);
     bool move(int key);
     void moveRow(int by);
     void addInRow();

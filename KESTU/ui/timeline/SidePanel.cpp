@@ -15,7 +15,6 @@
 namespace kestu {
 namespace {
 
-constexpr int panelWidth = 320;
 constexpr int padding = 16;
 constexpr int partGap = 20;
 
@@ -44,7 +43,7 @@ SidePanel::SidePanel(AppModel& model, QWidget* parent)
     , m_gaps(new GapList(model))
     , m_belowGaps(new Divider)
     , m_unassigned(new UnassignedList(model)) {
-    setFixedWidth(panelWidth);
+    setFixedWidth(preferredWidth);
     QVBoxLayout* column = makeColumn();
     for (QWidget* part :
          std::initializer_list<QWidget*>{m_detail, m_belowDetail, m_gaps, m_belowGaps, m_unassigned}) {
@@ -105,6 +104,16 @@ void SidePanel::showDividers() {
 void SidePanel::orderTabs() {
     QWidget* last = m_scroll;
     chainTabs(*m_scroll->widget()->layout(), last);
+}
+
+QWidget* SidePanel::firstStop() const {
+    for (QWidget* stop = nextInFocusChain(); stop != this; stop = stop->nextInFocusChain()) {
+        if (isAncestorOf(stop) && (stop->focusPolicy() & Qt::TabFocus) && stop->isVisibleTo(this) &&
+            stop->isEnabled()) {
+            return stop;
+        }
+    }
+    return nullptr;
 }
 
 void SidePanel::scrollToTop() {

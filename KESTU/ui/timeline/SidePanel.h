@@ -23,6 +23,11 @@ class SidePanel final : public QWidget {
 public:
     explicit SidePanel(AppModel& model, QWidget* parent = nullptr);
 
+    static constexpr int preferredWidth = 320;
+
+    /// The first of its controls that answers; null when there is none.
+    [[nodiscard]] QWidget* firstStop() const;
+
 private:
     [[nodiscard]] QVBoxLayout* makeColumn();
     void showSelected();

@@ -67,7 +67,7 @@ TEST(PortalAppearanceTest, AsksWithoutWaitingAndFollowsEveryChange) {
     timer.start();
     const PortalAppearance appearance(bus.connect());
     EXPECT_LT(timer.elapsed(), 300) << "it waited for the answer";
-    const QSignalSpy changes(&appearance, &Appearance::colorSchemeChanged);
+    const QSignalSpy changes(&appearance, &PortalAppearance::colorSchemeChanged);
     EXPECT_TRUE(becomes(appearance, ColorScheme::dark));
 
     portal.announce(u"org.gnome.desktop.interface"_s, u"color-scheme"_s, 2); // another setting, same name
@@ -83,7 +83,7 @@ TEST(PortalAppearanceTest, AsksWithoutWaitingAndFollowsEveryChange) {
 TEST(PortalAppearanceTest, FindsAPortalThatStartsLaterAndForgetsOneThatGoes) {
     test::PrivateBus bus;
     const PortalAppearance appearance(bus.connect());
-    const QSignalSpy changes(&appearance, &Appearance::colorSchemeChanged);
+    const QSignalSpy changes(&appearance, &PortalAppearance::colorSchemeChanged);
     EXPECT_FALSE(waitUntil([&] { return appearance.colorScheme().has_value(); }, 100));
     for (int round = 1; round <= 2; ++round) {
         {

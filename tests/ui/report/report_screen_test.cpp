@@ -16,6 +16,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
+#include <QScrollArea>
+#include <QScrollBar>
 
 #include <gtest/gtest.h>
 
@@ -153,15 +155,24 @@ TEST_F(ReportScreenTest, ReadsNothingWhileHiddenAndOnceForWhatComesTogether) {
     EXPECT_EQ(loads, 3) << "nothing has changed";
 }
 
-TEST_F(ReportScreenTest, BeginsWithThisWeekWheneverItIsOpened) {
+TEST_F(ReportScreenTest, BeginsWithThisWeekAtTheTopAndWithAllOptionsWheneverItIsOpened) {
     open();
     press(u"月"_s);
     press(u"前の月"_s);
+    press(u"ウィンドウ名・URL・サイトを含める"_s);
+    press(u"時系列（何時から何時まで何をしていたか）を含める"_s);
+    press(u"次の月"_s);
+    auto* bar = screen->findChild<QScrollArea*>()->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    ASSERT_GT(bar->value(), 0);
     screen->hide();
     now += Seconds{7 * 86400.0};
     open();
     EXPECT_TRUE(isShown(u"11月23日〜11月29日"_s));
     EXPECT_FALSE(button(u"いま"_s)->isEnabled());
+    EXPECT_EQ(bar->value(), 0);
+    EXPECT_TRUE(button(u"ウィンドウ名・URL・サイトを含める"_s)->isChecked());
+    EXPECT_TRUE(button(u"時系列（何時から何時まで何をしていたか）を含める"_s)->isChecked());
 }
 
 TEST_F(ReportScreenTest, SavesAndCopiesTheReportOfTheCommandLine) {
