@@ -111,7 +111,7 @@ QString trackingStateText(const AppModel& model) {
 }
 
 QString unseenText() {
-    return QStringLiteral("ウインドウを見られません");
+    return QStringLiteral("ウィンドウを見られません");
 }
 
 } // namespace kestu

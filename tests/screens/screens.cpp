@@ -183,7 +183,7 @@ private:
         const auto former = m_platform.fakeWorkspace;
         m_platform.fakeWorkspace.front.reset();
         m_platform.fakeWorkspace.unseen =
-            u"Wayland のセッションではウインドウを見ることができないため、記録されません。"
+            u"Wayland のセッションではウィンドウを見ることができないため、記録されません。"
             "X11 のセッションでお使いください。"_s;
         const auto look = [&model] {
             model.stop();

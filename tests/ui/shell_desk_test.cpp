@@ -394,7 +394,7 @@ TEST_F(ShellTest, SaysThatNoWindowCanBeSeenAsLongAsThatIsSo) {
     platform.fakeWorkspace.front.reset();
     platform.fakeAccessibility.granted = false;
     launch();
-    const auto told = [] { return isShown(u"ウインドウを見られません"_s); };
+    const auto told = [] { return isShown(u"ウィンドウを見られません"_s); };
     EXPECT_TRUE(told());
     EXPECT_TRUE(isShown(u"記録できません"_s));
     EXPECT_TRUE(isShown(platform.fakeWorkspace.unseen)) << "why";

@@ -145,7 +145,7 @@ LinuxPlatformStart startLinuxPlatform() {
     std::unique_ptr<Xcb> forEvents;
     std::unique_ptr<Xcb> forQuestions;
     if (isWaylandSession()) {
-        why = QStringLiteral("Wayland のセッションではウインドウを見ることができないため、記録されません。"
+        why = QStringLiteral("Wayland のセッションではウィンドウを見ることができないため、記録されません。"
                              "X11 のセッションでお使いください。");
     } else if ((forEvents = Xcb::connect(why))) {
         forQuestions = Xcb::connect(why);

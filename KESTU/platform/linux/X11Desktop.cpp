@@ -86,8 +86,8 @@ QString X11Desktop::whyUnseen() {
     }
     return m_frontWindow.canTell()
                ? QString()
-               : QStringLiteral("ウインドウマネージャーが手前のウインドウを知らせていません。"
-                                "ほかのウインドウマネージャーをお使いください。");
+               : QStringLiteral("ウィンドウマネージャーが手前のウィンドウを知らせていません。"
+                                "ほかのウィンドウマネージャーをお使いください。");
 }
 
 void X11Desktop::readEvents() {
