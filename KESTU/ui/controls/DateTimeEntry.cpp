@@ -271,6 +271,8 @@ void DateTimeEntry::select(Section section) {
             complain(wantedIn(m_section));
         }
         settle(Strictness::lenient);
+    } else {
+        m_complaint.clear();
     }
     m_digits.clear();
     m_section = section;
