@@ -4,6 +4,7 @@
 #include "platform/linux/DesktopOpener.h"
 
 #include "platform/PlatformError.h"
+#include "platform/linux/ReaderSwitch.h"
 
 #include <QFileInfo>
 
@@ -16,9 +17,17 @@ struct ErrorRelease {
     void operator()(GError* error) const { g_error_free(error); }
 };
 
+struct ContextRelease {
+    void operator()(GAppLaunchContext* context) const { g_object_unref(context); }
+};
+
 void launch(const QUrl& address, const QString& failure) {
+    const std::unique_ptr<GAppLaunchContext, ContextRelease> context{g_app_launch_context_new()};
+    for (const QByteArray& variable : ownEnvironment()) {
+        g_app_launch_context_unsetenv(context.get(), variable.constData());
+    }
     GError* raised = nullptr;
-    if (g_app_info_launch_default_for_uri(address.toEncoded().constData(), nullptr, &raised) != FALSE) {
+    if (g_app_info_launch_default_for_uri(address.toEncoded().constData(), context.get(), &raised) != FALSE) {
         return;
     }
     const std::unique_ptr<GError, ErrorRelease> error{raised};
