@@ -3,14 +3,14 @@
 // A warning across the window, above every screen, while something keeps KESTU from seeing all.
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 namespace kestu {
 
 class AppModel;
 class TextLabel;
 
-class Banner : public QFrame {
+class Banner : public QWidget {
 public:
     /// Takes `text` and `buttons`, which may be null.
     Banner(const QString& title, TextLabel* text, QWidget* buttons);

@@ -3,7 +3,7 @@
 // The left column of the main window: the screens to choose from, and at its foot whether KESTU records.
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 class QListWidget;
 
@@ -12,7 +12,7 @@ namespace kestu {
 class AppModel;
 class Commands;
 
-class Sidebar final : public QFrame {
+class Sidebar final : public QWidget {
 public:
     Sidebar(AppModel& model, Commands& commands);
 

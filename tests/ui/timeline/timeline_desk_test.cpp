@@ -51,7 +51,7 @@ void pressKeys(const QStringList& keys) {
 
 [[nodiscard]] QString focusedName() {
     QWidget* focused = QApplication::focusWidget();
-    return focused ? test::nameOf(*QAccessible::queryAccessibleInterface(focused)) : QString();
+    return focused ? QAccessible::queryAccessibleInterface(focused)->text(QAccessible::Name) : QString();
 }
 
 /// Tab by tab, as a user without a mouse.
