@@ -7,6 +7,7 @@
 #include "platform/Appearance.h"
 #include "platform/Platform.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/ReaderSwitch.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/TerminationSignals.h"
 #include "storage/RepositoryOpener.h"
@@ -155,6 +156,7 @@ int main(int argc, char* argv[]) {
         // Asking Qt for a display that is not there would abort, before anything could be said.
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    offerWindowsToReaders();
     QApplication application(argc, argv);
     QStringList arguments = QApplication::arguments().sliced(1);
     const auto firstView =

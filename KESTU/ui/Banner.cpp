@@ -42,7 +42,7 @@ Banner::Banner(const QString& title, TextLabel* text, QWidget* buttons)
 }
 
 void Banner::resizeEvent(QResizeEvent* event) {
-    QFrame::resizeEvent(event);
+    QWidget::resizeEvent(event);
     const bool isNarrow = width() < narrow;
     m_body->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
     if (m_buttons) {

@@ -3,7 +3,7 @@
 // A warning across the window, above every screen, while something keeps KESTU from seeing all.
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 class QBoxLayout;
 
@@ -12,7 +12,7 @@ namespace kestu {
 class AppModel;
 class TextLabel;
 
-class Banner : public QFrame {
+class Banner : public QWidget {
 public:
     /// Takes `text` and `buttons`, which may be null.
     Banner(const QString& title, TextLabel* text, QWidget* buttons);

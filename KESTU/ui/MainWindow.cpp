@@ -8,6 +8,7 @@
 #include "ui/Sidebar.h"
 #include "ui/WelcomeSheet.h"
 #include "ui/controls/Alert.h"
+#include "ui/controls/Roles.h"
 #include "ui/controls/Settling.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/projects/ProjectsScreen.h"
@@ -51,6 +52,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     , m_content(new QWidget)
     , m_sidebar(new Sidebar(model, commands))
     , m_screens(new QStackedWidget) {
+    reportRole(this, QAccessible::Window);
     setMinimumSize(minimumContent);
     resize(defaultContent);
     addActions({&commands.help(), &commands.quitAction()});
@@ -60,6 +62,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
     columns->addWidget(new Divider(Qt::Vertical));
     columns->addWidget(makeDetail(), 1);
     tight<QHBoxLayout>(this)->addWidget(m_content);
+    reportRole(m_screens, QAccessible::Client); // or a "layered pane" is read out on the way into each screen
 
     connect(&m_model, &AppModel::screenChanged, this, &MainWindow::refreshScreen);
     connect(&m_model, &AppModel::accessibilityGrantedChanged, this, &MainWindow::refreshBanner);
@@ -149,6 +152,7 @@ void MainWindow::refreshScreen() {
     // The report has the application's name alone.
     setWindowTitle(m_model.screen() == SidebarItem::report ? QStringLiteral("KESTU")
                                                            : sidebarEntries[index].label.toString());
+    reportTitle(this);
 }
 
 void MainWindow::refreshBanner() {

@@ -6,6 +6,8 @@
 #include "classify/DayAggregation.h"
 #include "classify/DurationText.h"
 #include "ui/Commands.h"
+#include "ui/controls/Announcing.h"
+#include "ui/controls/Roles.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/theme/Theme.h"
@@ -51,13 +53,14 @@ QWidget* makeProjectRow(const Project* project, double seconds) {
 } // namespace
 
 MenuBarView::MenuBarView(AppModel& model, Commands& commands)
-    : QFrame(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
     , m_model(model)
     , m_total(new TextLabel({}, TextStyle::title3))
     , m_now(new QWidget)
     , m_nowApp(new TextLabel({}, TextStyle::callout, ink::primary, Overflow::elideRight))
     , m_nowTitle(new TextLabel({}, TextStyle::caption, ink::primary, Overflow::elideRight))
     , m_projects(new QWidget) {
+    reportRole(this, QAccessible::Window);
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("KESTU"));
     setWindowRole(statusItemRole);
@@ -91,6 +94,8 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
          {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged, &AppModel::isTrackingChanged}) {
         connect(&m_model, signal, this, &MenuBarView::refreshNow);
     }
+    connect(&m_model, &AppModel::isTrackingChanged, this,
+            [this] { announce(*this, trackingStateText(m_model)); });
     for (const auto signal :
          {&AppModel::dayItemsChanged, &AppModel::selectedDayChanged, &AppModel::projectsChanged}) {
         connect(&m_model, signal, this, &MenuBarView::refreshProjects);
@@ -156,14 +161,14 @@ void MenuBarView::changeEvent(QEvent* event) {
     if (event->type() == QEvent::ActivationChange && isVisible() && !isActiveWindow()) {
         close();
     }
-    QFrame::changeEvent(event);
+    QWidget::changeEvent(event);
 }
 
 void MenuBarView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
         close();
     } else {
-        QFrame::keyPressEvent(event);
+        QWidget::keyPressEvent(event);
     }
 }
 
@@ -187,7 +192,7 @@ void MenuBarView::resizeEvent(QResizeEvent* event) {
     painter.setBrush(Qt::color1);
     painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), metrics::radiusCard, metrics::radiusCard);
     setMask(shape);
-    QFrame::resizeEvent(event);
+    QWidget::resizeEvent(event);
     Q_EMIT resized();
 }
 

@@ -4,7 +4,7 @@
 // projects, and the three controls. It closes when it loses the focus. The shell makes one for each opening.
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 namespace kestu {
 
@@ -12,7 +12,7 @@ class AppModel;
 class Commands;
 class TextLabel;
 
-class MenuBarView final : public QFrame {
+class MenuBarView final : public QWidget {
     Q_OBJECT
 
 public:

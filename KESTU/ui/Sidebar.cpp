@@ -4,7 +4,9 @@
 #include "app/AppModel.h"
 #include "ui/Commands.h"
 #include "ui/TrackingStatus.h"
+#include "ui/controls/Announcing.h"
 #include "ui/controls/IconButton.h"
+#include "ui/controls/Roles.h"
 #include "ui/parts/Texts.h"
 #include "ui/theme/Icons.h"
 #include "ui/theme/Theme.h"
@@ -141,6 +143,7 @@ QListWidget* makeList() {
     list->setItemDelegate(new SidebarRow(list));
     list->setFrameShape(QFrame::NoFrame);
     list->setAccessibleName(QStringLiteral("画面"));
+    reportCurrentRow(list);
     list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setMouseTracking(true);
@@ -240,10 +243,14 @@ void Sidebar::refreshScreen() {
 void Sidebar::refreshBadge() {
     const int count = static_cast<int>(m_model.suggestions().size());
     QListWidgetItem* item = m_list->item(static_cast<int>(SidebarItem::projects));
+    if (item->data(badgeRole) == count) {
+        return;
+    }
+    const QString spoken = count > 0 ? QStringLiteral("提案 %1 件").arg(count) : QString();
     item->setData(badgeRole, count);
-    item->setData(Qt::AccessibleDescriptionRole,
-                  count > 0 ? QStringLiteral("提案 %1 件").arg(count) : QString());
+    item->setData(Qt::AccessibleDescriptionRole, spoken);
     refreshHelp();
+    announce(*this, count > 0 ? spoken : QStringLiteral("提案なし"));
 }
 
 } // namespace kestu

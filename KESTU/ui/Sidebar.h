@@ -3,8 +3,8 @@
 // The left column of the main window: the screens to choose from, and at its foot whether KESTU records.
 #pragma once
 
-#include <QFrame>
 #include <QKeySequence>
+#include <QWidget>
 
 class QBoxLayout;
 class QListWidget;
@@ -19,7 +19,7 @@ enum class SidebarItem;
 /// The keys that choose a screen.
 [[nodiscard]] QKeySequence keysOf(SidebarItem item);
 
-class Sidebar final : public QFrame {
+class Sidebar final : public QWidget {
 public:
     Sidebar(AppModel& model, Commands& commands);
 

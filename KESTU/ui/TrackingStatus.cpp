@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
 #include "ui/Commands.h"
+#include "ui/controls/Announcing.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/theme/Theme.h"
@@ -53,8 +54,12 @@ void TrackingStatus::refreshState() {
     const Colors& colors = colorsOf(palette());
     const QColor& whileTracking = m_model.whyUnseen().isEmpty() ? colors.green : colors.orange;
     m_dot->setColor(m_model.isTracking() ? whileTracking : colors.textSecondary);
-    m_state->setText(trackingStateText(m_model));
-    refreshHelp();
+    const QString state = trackingStateText(m_model);
+    if (state != m_state->text()) {
+        m_state->setText(state);
+        refreshHelp();
+        announce(*this, state);
+    }
 }
 
 void TrackingStatus::refreshTotal() {

@@ -45,7 +45,7 @@ QAccessibleInterface* findShown(const Condition& isWanted) {
 }
 
 bool isNamed(const QAccessibleInterface& control, const QString& name, QAccessible::Role role) {
-    return nameOf(control) == name && (role == QAccessible::NoRole || control.role() == role);
+    return control.text(QAccessible::Name) == name && (role == QAccessible::NoRole || control.role() == role);
 }
 
 /// Does something on the display and waits until this process has heard of it; then for what that sets off.
@@ -75,15 +75,6 @@ void doAndHear(QEvent::Type last, const QStringList& command) {
 }
 
 } // namespace
-
-QString nameOf(const QAccessibleInterface& control) {
-    if (control.role() == QAccessible::ComboBox) {
-        for (const auto& [target, relation] : control.relations(QAccessible::Label)) {
-            return target->text(QAccessible::Name);
-        }
-    }
-    return control.text(QAccessible::Name);
-}
 
 QAccessibleInterface* findControl(const QString& name, QAccessible::Role role) {
     return findShown([&](const QAccessibleInterface& control) { return isNamed(control, name, role); });

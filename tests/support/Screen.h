@@ -9,9 +9,6 @@
 
 namespace kestu::test {
 
-/// What a control is called; a picker, which reports its choice as its name, by its label.
-[[nodiscard]] QString nameOf(const QAccessibleInterface& control);
-
 /// The shown control of this name; null when there is none. Without a role any will do.
 [[nodiscard]] QAccessibleInterface* findControl(const QString& name,
                                                 QAccessible::Role role = QAccessible::NoRole);

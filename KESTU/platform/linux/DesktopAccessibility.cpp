@@ -3,9 +3,11 @@
 
 #include "platform/PlatformError.h"
 #include "platform/linux/AccessibilityBus.h"
+#include "platform/linux/ReaderSwitch.h"
 
 #include <QDir>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <QString>
 #include <QStringList>
@@ -35,7 +37,16 @@ constexpr std::array<SettingsProgram, 7> settingsPrograms{{
 bool start(const SettingsProgram& settings) {
     const QString path = QStandardPaths::findExecutable(settings.program.toString());
     const QStringList page = settings.page.isEmpty() ? QStringList() : QStringList(settings.page.toString());
-    return !path.isEmpty() && QProcess::startDetached(path, page, QDir::homePath());
+    QProcess process;
+    process.setProgram(path);
+    process.setArguments(page);
+    process.setWorkingDirectory(QDir::homePath());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QByteArray& variable : ownEnvironment()) {
+        environment.remove(QString::fromLatin1(variable));
+    }
+    process.setProcessEnvironment(environment);
+    return !path.isEmpty() && process.startDetached();
 }
 
 } // namespace

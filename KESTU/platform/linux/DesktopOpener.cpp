@@ -4,6 +4,7 @@
 #include "platform/linux/DesktopOpener.h"
 
 #include "platform/PlatformError.h"
+#include "platform/linux/ReaderSwitch.h"
 
 #include <QFileInfo>
 
@@ -16,17 +17,23 @@ struct ErrorRelease {
     void operator()(GError* error) const { g_error_free(error); }
 };
 
+template<typename Object>
 struct ObjectRelease {
-    void operator()(GAppInfo* object) const { g_object_unref(object); }
+    void operator()(Object* object) const { g_object_unref(object); }
 };
 
 gboolean launch(const QUrl& address, GAppInfo* program, GError** error) {
+    const std::unique_ptr<GAppLaunchContext, ObjectRelease<GAppLaunchContext>> context{
+        g_app_launch_context_new()};
+    for (const QByteArray& variable : ownEnvironment()) {
+        g_app_launch_context_unsetenv(context.get(), variable.constData());
+    }
     QByteArray text = address.toEncoded();
     if (!program) {
-        return g_app_info_launch_default_for_uri(text.constData(), nullptr, error);
+        return g_app_info_launch_default_for_uri(text.constData(), context.get(), error);
     }
     GList list{.data = text.data(), .next = nullptr, .prev = nullptr};
-    return g_app_info_launch_uris(program, &list, nullptr, error);
+    return g_app_info_launch_uris(program, &list, context.get(), error);
 }
 
 /// With `program`, or with the one that the desktop has set for such an address.
@@ -69,7 +76,8 @@ void DesktopOpener::openPage(const QString& path) {
         throw PlatformError(failure + QStringLiteral("ページが見つかりません（%1）").arg(path));
     }
     // An editor may have been set for files of this kind.
-    const std::unique_ptr<GAppInfo, ObjectRelease> browser{g_app_info_get_default_for_uri_scheme("http")};
+    const std::unique_ptr<GAppInfo, ObjectRelease<GAppInfo>> browser{
+        g_app_info_get_default_for_uri_scheme("http")};
     open(QUrl::fromLocalFile(page.absoluteFilePath()), failure, browser.get());
 }
 

@@ -33,15 +33,10 @@ QString spokenColor(const QColor& color) {
 }
 
 Swatch::Swatch(const QString& hex, QWidget* parent)
-    : PaintedButton(Ring::outside, parent)
+    : ChoiceButton(Ring::outside, parent)
     , m_hex(hex) {
-    setCheckable(true);
     setFixedSize(diameter, diameter);
     setAccessibleName(spokenColor(colorFromText(hex)));
-}
-
-void Swatch::nextCheckState() {
-    setChecked(true);
 }
 
 void Swatch::paintEvent(QPaintEvent*) {
@@ -54,19 +49,24 @@ void Swatch::paintEvent(QPaintEvent*) {
 }
 
 ColorChoice::ColorChoice(const QStringList& palette, QWidget* parent)
-    : QWidget(parent) {
+    : QWidget(parent)
+    , m_palette(palette) {
     reportRole(this, QAccessible::Grouping);
     setAccessibleName(QStringLiteral("色"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     for (const QString& hex : palette) {
         add(hex);
     }
+    setHex({});
 }
 
 void ColorChoice::add(const QString& hex) {
     auto* const swatch = new Swatch(hex, this);
     swatch->move(bleed + static_cast<int>(m_swatches.size()) * (diameter + gap), bleed);
     connect(swatch, &Swatch::clicked, this, [this, hex] { choose(hex); });
+    connect(swatch, &Swatch::stepped, this, [this, hex](int by) {
+        choose(m_palette.at(std::clamp<qsizetype>(m_palette.indexOf(hex) + by, 0, m_palette.size() - 1)));
+    });
     m_swatches.push_back(swatch);
 }
 
@@ -80,9 +80,7 @@ void ColorChoice::choose(const QString& hex) {
 
 void ColorChoice::setHex(const QString& hex) {
     m_hex = hex;
-    for (Swatch* const swatch : m_swatches) {
-        swatch->setChecked(swatch->hex() == hex);
-    }
+    showChoice(m_swatches, static_cast<int>(m_palette.indexOf(hex)));
     update();
 }
 
@@ -95,7 +93,7 @@ void ColorChoice::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(colorsOf(palette()).textPrimary, 2));
-    for (const Swatch* const swatch : m_swatches) {
+    for (const ChoiceButton* const swatch : m_swatches) {
         if (swatch->isChecked()) {
             constexpr qreal radius = 12; // of the middle of a ring of 2, which is 11 to 13
             painter.drawEllipse(QRectF(swatch->geometry()).center(), radius, radius);

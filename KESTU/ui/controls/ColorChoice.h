@@ -5,7 +5,7 @@
 // widget.
 #pragma once
 
-#include "ui/controls/Painted.h"
+#include "ui/controls/ChoiceButton.h"
 
 #include <QStringList>
 #include <vector>
@@ -14,8 +14,6 @@ namespace kestu {
 
 /// What a listener may call a colour.
 [[nodiscard]] QString spokenColor(const QColor& color);
-
-class Swatch;
 
 class ColorChoice final : public QWidget {
     Q_OBJECT
@@ -41,7 +39,8 @@ private:
     void choose(const QString& hex);
 
     QString m_hex;
-    std::vector<Swatch*> m_swatches;
+    QStringList m_palette;
+    std::vector<ChoiceButton*> m_swatches; // in the order of the palette
 };
 
 } // namespace kestu

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/Painted.h"
 
+#include "ui/controls/ButtonAccess.h"
+
 #include <QEvent>
 #include <QFocusEvent>
 #include <QFontMetrics>
@@ -75,6 +77,11 @@ QString toolTipOf(const QString& plain) {
     return Qt::convertFromPlainText(plain, Qt::WhiteSpaceNormal);
 }
 
+void setHelp(QWidget& control, const QString& plain) {
+    control.setToolTip(toolTipOf(plain));
+    control.setAccessibleDescription(plain); // or the markup of the tooltip is read
+}
+
 FocusHalo::FocusHalo(QWidget* target)
     : QWidget(haloHost(target))
     , m_target(target) {
@@ -120,6 +127,7 @@ void FocusHalo::paintEvent(QPaintEvent*) {
 PaintedButton::PaintedButton(Ring ring, QWidget* parent)
     : QAbstractButton(parent)
     , m_ring(ring) {
+    installButtonAccess();
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
 }

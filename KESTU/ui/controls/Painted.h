@@ -40,6 +40,9 @@ void paintShadow(QPainter& painter, const QRectF& box, qreal radius, const QColo
 /// A tooltip that shows `plain` as it stands, wrapped, even where it looks like markup.
 [[nodiscard]] QString toolTipOf(const QString& plain);
 
+/// What a control does, as its tooltip and for those who have the screen read to them.
+void setHelp(QWidget& control, const QString& plain);
+
 /// The focus ring one pixel outside of a round widget. It lives in an ancestor, for it needs more room than
 /// the widget has, and goes with the widget.
 class FocusHalo final : public QWidget {

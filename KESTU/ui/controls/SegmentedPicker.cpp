@@ -3,7 +3,6 @@
 
 #include "ui/controls/Roles.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
 
@@ -45,11 +44,9 @@ std::vector<QRect> segmentBoxes(QSize track, int count) {
 }
 
 Segment::Segment(const QString& text, QWidget* parent)
-    : PaintedButton(Ring::inside, parent) {
+    : ChoiceButton(Ring::inside, parent) {
     setText(text);
     setFont(fontOf(TextStyle::callout));
-    setCheckable(true);
-    setAutoExclusive(true);
 }
 
 QSize Segment::sizeHint() const {
@@ -65,21 +62,6 @@ void Segment::paintEvent(QPaintEvent*) {
     painter.setFont(now.on ? semibold(font()) : font());
     painter.setPen(segmentInk(now, colors));
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
-}
-
-void Segment::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-    case Qt::Key_Left:
-    case Qt::Key_Up:
-        Q_EMIT stepped(-1);
-        return;
-    case Qt::Key_Right:
-    case Qt::Key_Down:
-        Q_EMIT stepped(1);
-        return;
-    default:
-        PaintedButton::keyPressEvent(event);
-    }
 }
 
 SegmentedPicker::SegmentedPicker(const QString& name, const QStringList& texts, QWidget* parent)
@@ -107,28 +89,20 @@ void SegmentedPicker::add(const QString& text) {
 
 void SegmentedPicker::setCurrent(int index) {
     m_current = index;
-    for (std::size_t at = 0; at < m_segments.size(); ++at) {
-        const bool on = static_cast<int>(at) == index;
-        m_segments[at]->setChecked(on);
-        m_segments[at]->setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus);
-    }
+    showChoice(m_segments, index);
 }
 
 void SegmentedPicker::choose(int index) {
     if (index == m_current) {
         return;
     }
-    Segment* const before = m_segments[static_cast<std::size_t>(m_current)];
     setCurrent(index);
-    if (before->hasFocus()) {
-        m_segments[static_cast<std::size_t>(index)]->setFocus(Qt::TabFocusReason);
-    }
     Q_EMIT chosen(index);
 }
 
 QSize SegmentedPicker::sizeHint() const {
     int widest = 0;
-    for (const Segment* const segment : m_segments) {
+    for (const ChoiceButton* const segment : m_segments) {
         widest = std::max(widest, segment->sizeHint().width());
     }
     return {2 * inset + widest * static_cast<int>(m_segments.size()), metrics::controlHeight};
@@ -145,7 +119,7 @@ void SegmentedPicker::resizeEvent(QResizeEvent* event) {
 void SegmentedPicker::paintEvent(QPaintEvent*) {
     const Colors& colors = colorsOf(palette());
     const bool focused = std::any_of(m_segments.begin(), m_segments.end(),
-                                     [](const Segment* segment) { return segment->state().focused; });
+                                     [](const ChoiceButton* segment) { return segment->state().focused; });
     const Edge edge =
         focused ? Edge{.color = colors.focus, .width = 2} : Edge{.color = colors.cardBorder, .width = 1};
     QPainter painter(this);

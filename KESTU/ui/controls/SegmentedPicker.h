@@ -4,7 +4,7 @@
 // arrow keys choose. It belongs to its parent widget.
 #pragma once
 
-#include "ui/controls/Painted.h"
+#include "ui/controls/ChoiceButton.h"
 
 #include <QStringList>
 #include <vector>
@@ -14,7 +14,7 @@ namespace kestu {
 /// The boxes of `count` equally wide segments on a track.
 [[nodiscard]] std::vector<QRect> segmentBoxes(QSize track, int count);
 
-class Segment final : public PaintedButton {
+class Segment final : public ChoiceButton {
     Q_OBJECT
 
 public:
@@ -24,10 +24,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-
-Q_SIGNALS:
-    void stepped(int by);
 };
 
 class SegmentedPicker final : public QWidget {
@@ -54,7 +50,7 @@ private:
     void add(const QString& text);
     void choose(int index);
 
-    std::vector<Segment*> m_segments;
+    std::vector<ChoiceButton*> m_segments;
     int m_current = 0;
 };
 

@@ -11,7 +11,6 @@
 #include <QWidget>
 #include <vector>
 
-class QFrame;
 class QHBoxLayout;
 class QPushButton;
 class QScrollArea;
@@ -77,7 +76,7 @@ private:
     [[nodiscard]] std::vector<QWidget*> stops() const;
     [[nodiscard]] QPushButton* defaultButton() const;
 
-    QFrame* m_card;
+    QWidget* m_card;
     QScrollArea* m_scroll;
     QVBoxLayout* m_content;
     QHBoxLayout* m_footer;

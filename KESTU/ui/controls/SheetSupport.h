@@ -4,15 +4,15 @@
 // assistive technology. Internal to the controls.
 #pragma once
 
-#include <QFrame>
+#include <QWidget>
 
 namespace kestu {
 
-class SheetCard final : public QFrame {
+class SheetCard final : public QWidget {
     Q_OBJECT
 
 public:
-    using QFrame::QFrame;
+    using QWidget::QWidget;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/Stepper.h"
 
+#include "ui/controls/Announcing.h"
 #include "ui/controls/Roles.h"
 #include "ui/theme/Icons.h"
 
@@ -55,10 +56,11 @@ void StepperHalf::paintEvent(QPaintEvent*) {
     }
 }
 
-Stepper::Stepper(const QString& name, int minimum, int maximum, QWidget* parent)
+Stepper::Stepper(const QString& name, const QString& unit, int minimum, int maximum, QWidget* parent)
     : QWidget(parent)
-    , m_minus(new StepperHalf(QStringLiteral("minus"), QStringLiteral("減らす"), this))
-    , m_plus(new StepperHalf(QStringLiteral("plus"), QStringLiteral("増やす"), this))
+    , m_unit(unit)
+    , m_minus(new StepperHalf(QStringLiteral("minus"), name + QStringLiteral("を減らす"), this))
+    , m_plus(new StepperHalf(QStringLiteral("plus"), name + QStringLiteral("を増やす"), this))
     , m_minimum(minimum)
     , m_maximum(maximum)
     , m_value(minimum) {
@@ -84,12 +86,16 @@ void Stepper::setValue(int value) {
     }
     m_minus->setEnabled(m_value > m_minimum);
     m_plus->setEnabled(m_value < m_maximum);
+    const QString spoken = QString::number(m_value) + m_unit;
+    m_minus->setAccessibleDescription(spoken);
+    m_plus->setAccessibleDescription(spoken);
 }
 
 void Stepper::step(int by) {
     const int before = m_value;
     setValue(m_value + by);
     if (m_value != before) {
+        announce(*this, QString::number(m_value) + m_unit);
         Q_EMIT stepped(m_value);
     }
 }

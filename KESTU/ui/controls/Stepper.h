@@ -25,7 +25,8 @@ class Stepper final : public QWidget {
     Q_OBJECT
 
 public:
-    Stepper(const QString& name, int minimum, int maximum, QWidget* parent = nullptr);
+    /// `name` is what is counted, `unit` stands behind its number.
+    Stepper(const QString& name, const QString& unit, int minimum, int maximum, QWidget* parent = nullptr);
 
     [[nodiscard]] int value() const { return m_value; }
     void setValue(int value);
@@ -37,6 +38,7 @@ Q_SIGNALS:
 private:
     void step(int by);
 
+    QString m_unit;
     StepperHalf* m_minus;
     StepperHalf* m_plus;
     int m_minimum;

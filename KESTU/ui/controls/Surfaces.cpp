@@ -11,7 +11,7 @@
 namespace kestu {
 
 Card::Card(Kind kind, QWidget* parent)
-    : QFrame(parent)
+    : QWidget(parent)
     , m_kind(kind) {}
 
 void Card::paintEvent(QPaintEvent*) {

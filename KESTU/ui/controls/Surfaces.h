@@ -6,11 +6,11 @@
 
 #include "ui/theme/Theme.h"
 
-#include <QFrame>
+#include <QWidget>
 
 namespace kestu {
 
-class Card final : public QFrame {
+class Card final : public QWidget {
     Q_OBJECT
 
 public:

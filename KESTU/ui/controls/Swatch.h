@@ -3,20 +3,17 @@
 // One colour of a ColorChoice, to which it belongs.
 #pragma once
 
-#include "ui/controls/Painted.h"
+#include "ui/controls/ChoiceButton.h"
 
 namespace kestu {
 
-class Swatch final : public PaintedButton {
+class Swatch final : public ChoiceButton {
     Q_OBJECT
 
 public:
     Swatch(const QString& hex, QWidget* parent);
 
-    [[nodiscard]] const QString& hex() const { return m_hex; }
-
 protected:
-    void nextCheckState() override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

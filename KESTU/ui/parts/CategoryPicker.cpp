@@ -11,7 +11,7 @@
 namespace kestu {
 
 CategoryPicker::CategoryPicker(Divider divider, QWidget* parent)
-    : QComboBox(parent)
+    : Picker(parent)
     , m_divider(divider) {
     setPlaceholderText(QStringLiteral("未分類"));
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon); // long names give way

@@ -5,8 +5,7 @@
 #pragma once
 
 #include "storage/Records.h"
-
-#include <QComboBox>
+#include "ui/controls/Picker.h"
 
 #include <optional>
 #include <vector>
@@ -15,7 +14,7 @@ namespace kestu {
 
 class AppModel;
 
-class CategoryPicker final : public QComboBox {
+class CategoryPicker final : public Picker {
     Q_OBJECT
 
 public:

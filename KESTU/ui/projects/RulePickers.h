@@ -5,12 +5,11 @@
 #pragma once
 
 #include "storage/Records.h"
-
-#include <QComboBox>
+#include "ui/controls/Picker.h"
 
 namespace kestu {
 
-class RulePicker : public QComboBox {
+class RulePicker : public Picker {
     Q_OBJECT
 
 protected:

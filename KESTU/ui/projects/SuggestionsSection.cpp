@@ -58,8 +58,8 @@ SuggestionsSection::SuggestionsSection(AppModel& model)
 
 QHBoxLayout* SuggestionsSection::makeHeader() {
     setSmall(m_copy);
-    m_copy->setToolTip(toolTipOf(QStringLiteral("KESTUの MCP をつないだ Claude に貼り付けると、未分類の時間"
-                                                "を見てルールを提案してくれます")));
+    setHelp(*m_copy, QStringLiteral("KESTUの MCP をつないだ Claude に貼り付けると、未分類の時間"
+                                    "を見てルールを提案してくれます"));
     auto* header = new QHBoxLayout;
     header->setSpacing(8);
     header->addWidget(new IconView(QStringLiteral("sparkles"), metrics::iconSidebar, &Colors::accentText));

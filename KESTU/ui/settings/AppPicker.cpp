@@ -18,7 +18,7 @@ constexpr std::array openingKeys{Qt::Key_Space, Qt::Key_Up, Qt::Key_Down, Qt::Ke
 } // namespace
 
 AppPicker::AppPicker(QWidget* parent)
-    : QComboBox(parent) {
+    : Picker(parent) {
     addItem(QStringLiteral("選んでください"));
     connect(this, &QComboBox::activated, this, &AppPicker::pick);
 }

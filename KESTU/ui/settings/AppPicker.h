@@ -4,12 +4,13 @@
 // gives one: neither the wheel that scrolls the page nor a stray key does. It belongs to its parent widget.
 #pragma once
 
-#include <QComboBox>
+#include "ui/controls/Picker.h"
+
 #include <QMap>
 
 namespace kestu {
 
-class AppPicker final : public QComboBox {
+class AppPicker final : public Picker {
     Q_OBJECT
 
 public:

@@ -93,12 +93,12 @@ QWidget* makeKeepAliveRow(AppModel& model) {
 
 QWidget* makeIdleRow(AppModel& model) {
     auto* label = new TextLabel({}, TextStyle::callout, ink::primary, Overflow::wrap);
-    auto* stepper = new Stepper({}, shortestIdle, longestIdle);
+    auto* stepper = new Stepper(QStringLiteral("何もしていないとみなすまでの時間"), QStringLiteral("分"),
+                                shortestIdle, longestIdle);
     const auto refresh = [&model, label, stepper] {
         label->setText(
             QStringLiteral("%1分 操作がなければ「何もしていない」とみなす").arg(model.idleMinutes()));
         stepper->setValue(model.idleMinutes());
-        stepper->setAccessibleName(label->text());
     };
     refresh();
     QObject::connect(&model, &AppModel::idleMinutesChanged, stepper, refresh);

@@ -101,8 +101,8 @@ QWidget* DayNoteCard::makeInvitation() {
 }
 
 QHBoxLayout* DayNoteCard::makeButtons() {
-    m_copy->setToolTip(toolTipOf(
-        QStringLiteral("KESTUの MCP をつないだ Claude に貼り付けると、まとめを書いて保存してくれます")));
+    setHelp(*m_copy,
+            QStringLiteral("KESTUの MCP をつないだ Claude に貼り付けると、まとめを書いて保存してくれます"));
     auto* buttons = bare(new QHBoxLayout, partGap);
     buttons->addStretch();
     buttons->addWidget(m_copy);

@@ -298,6 +298,15 @@ void HourBars::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
     m_ringShown = event->reason() != Qt::MouseFocusReason;
     update();
+    // Later: Qt reports the whole behind this event.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (const auto place = selectedPlace()) {
+                reportSelected(*this, *place);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 void HourBars::focusOutEvent(QFocusEvent* event) {

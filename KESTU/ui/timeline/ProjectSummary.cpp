@@ -10,9 +10,10 @@
 #include "ui/parts/Texts.h"
 #include "ui/theme/Strokes.h"
 
-#include <QEvent>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -97,11 +98,13 @@ int SummaryEntry::nameWidth() const {
 }
 
 bool SummaryEntry::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        const bool isWhole = widthOf(m_name, fontOf(TextStyle::callout)) <= nameWidth();
-        setToolTip(isWhole ? QString() : toolTipOf(m_name));
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::event(event);
     }
-    return QWidget::event(event);
+    const bool isWhole = widthOf(m_name, fontOf(TextStyle::callout)) <= nameWidth();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), isWhole ? QString() : toolTipOf(m_name),
+                       this);
+    return true;
 }
 
 void SummaryEntry::paintEvent(QPaintEvent*) {

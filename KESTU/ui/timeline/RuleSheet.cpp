@@ -5,6 +5,7 @@
 #include "classify/DurationText.h"
 #include "ui/controls/Composition.h"
 #include "ui/controls/FormSection.h"
+#include "ui/controls/Picker.h"
 #include "ui/controls/SegmentedPicker.h"
 #include "ui/controls/SwitchButton.h"
 #include "ui/controls/TextLabel.h"
@@ -53,7 +54,7 @@ QWidget* labelled(const QString& name, QWidget* control, int width) {
 
 template<typename Choices>
 QComboBox* pickerOf(const Choices& choices) {
-    auto* picker = new QComboBox;
+    auto* picker = new Picker;
     for (const auto choice : choices) {
         picker->addItem(labelOf(choice), static_cast<int>(choice));
     }

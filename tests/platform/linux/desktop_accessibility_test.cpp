@@ -3,6 +3,7 @@
 
 #include "platform/PlatformError.h"
 #include "platform/linux/AccessibilityBus.h"
+#include "platform/linux/ReaderSwitch.h"
 #include "support/Files.h"
 #include "support/MockObject.h"
 #include "support/PrivateBus.h"
@@ -41,7 +42,9 @@ public:
     explicit Programs(const QStringList& names) {
         for (const QString& name : names) {
             const QString path = m_folder.filePath(name);
-            test::putFile(path, "#!/bin/sh\necho \"${0##*/}:$*\" >\"${0%/*}/called\"\n");
+            test::putFile(
+                path,
+                "#!/bin/sh\necho \"${0##*/}:$*${QT_LINUX_ACCESSIBILITY_ALWAYS_ON}\" >\"${0%/*}/called\"\n");
             QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner);
         }
     }
@@ -70,6 +73,7 @@ TEST(DesktopAccessibilityTest, OpensTheSettingsOfTheRunningDesktopOrOfAnyOther) 
     test::PrivateBus session;
     AccessibilityBus bus(session.connect());
     DesktopAccessibility accessibility(bus, true);
+    offerWindowsToReaders(); // which is not meant for other programs
     for (const Case& each : {
              Case{u"ubuntu:GNOME"_s, several, u"gnome-control-center:universal-access"_s},
              Case{u"Budgie:GNOME"_s, several + QStringList(u"budgie-control-center"_s),

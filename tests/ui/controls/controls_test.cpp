@@ -130,6 +130,12 @@ TEST_F(ControlsOnScreen, ColorChoiceRingsOnlyTheExactText) {
     EXPECT_TRUE(swatches[0]->isChecked());
     ASSERT_EQ(chosen.count(), 1);
     EXPECT_EQ(chosen.at(0).at(0).toString(), u"#4F7CF7"_s);
+    for (int press = 0; press < 3; ++press) {
+        QTest::keyClick(m_host.focusWidget(), Qt::Key_Right);
+    }
+    EXPECT_EQ(chosen.count(), 2);
+    EXPECT_TRUE(swatches[1]->isChecked());
+    EXPECT_EQ(m_host.focusWidget(), swatches[1]);
 }
 
 TEST_F(ControlsOnScreen, SegmentsAndStepperStayWithinTheirEnds) {
@@ -145,11 +151,13 @@ TEST_F(ControlsOnScreen, SegmentsAndStepperStayWithinTheirEnds) {
     EXPECT_EQ(chosen.count(), 1);
     EXPECT_EQ(m_host.focusWidget(), segments[2]);
 
-    auto* const stepper = add<Stepper>(u"分"_s, 1, 2);
+    auto* const stepper = add<Stepper>(u"休み"_s, u"分"_s, 1, 2);
     const auto halves = stepper->findChildren<StepperHalf*>();
     EXPECT_FALSE(halves[0]->isEnabled());
     QTest::mouseClick(halves[1], Qt::LeftButton);
     EXPECT_EQ(stepper->value(), 2);
+    EXPECT_EQ(halves[0]->accessibleName(), u"休みを減らす"_s);
+    EXPECT_EQ(halves[0]->accessibleDescription(), u"2分"_s);
     EXPECT_FALSE(halves[1]->isEnabled());
 }
 
@@ -199,7 +207,7 @@ TEST_F(ControlsOnScreen, ReportNamesAndRoles) {
         {chip(TagChip::Kind::label), QAccessible::StaticText, u"会議 2分"_s},
         {add<SwitchButton>(u"自動"_s), QAccessible::CheckBox, u"自動"_s},
         {add<IconButton>(u"trash"_s, u"削除"_s, IconButton::Kind::framed), QAccessible::Button, u"削除"_s},
-        {choice->findChild<QAbstractButton*>(), QAccessible::CheckBox, u"青"_s},
+        {choice->findChild<QAbstractButton*>(), QAccessible::RadioButton, u"青"_s},
         {picker, QAccessible::Grouping, u"期間"_s},
         {picker->findChild<Segment*>(), QAccessible::RadioButton, u"日"_s},
         {Alert::tell(&m_host, u"エラー"_s, u"理由"_s), QAccessible::Dialog, u"エラー"_s},

@@ -341,7 +341,7 @@ TEST_F(ProjectsScreenTest, TabReachesEverythingFromTheTopDown) {
         at = place.y();
         ++stops;
     }
-    EXPECT_EQ(stops, (8 + 1) + 5 * (1 + 8 + 1 + 4) + 3) << "the disabled buttons among them";
+    EXPECT_EQ(stops, (1 + 1) + 5 * (1 + 1 + 1 + 4) + 3) << "one for all colours, and the disabled buttons";
 }
 
 TEST_F(ProjectsScreenTest, SuggestionsSayWhatIsNewAndAreTakenOrRejected) {

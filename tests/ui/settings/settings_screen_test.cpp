@@ -124,16 +124,18 @@ TEST_F(SettingsScreenTest, TheIdleTimeStaysWithinItsLimits) {
     const auto isShown = [](int minutes) {
         return test::isShown(u"%1分 操作がなければ「何もしていない」とみなす"_s.arg(minutes));
     };
+    const QString less = u"何もしていないとみなすまでの時間を減らす"_s;
+    const QString more = u"何もしていないとみなすまでの時間を増やす"_s;
     EXPECT_TRUE(isShown(3));
     for (int press = 0; press < 5; ++press) {
-        click(u"減らす"_s);
+        click(less);
     }
     EXPECT_TRUE(isShown(1));
-    EXPECT_FALSE(control<QAbstractButton>(u"減らす"_s)->isEnabled());
+    EXPECT_FALSE(control<QAbstractButton>(less)->isEnabled());
     model->setIdleMinutes(29);
-    click(u"増やす"_s);
-    click(u"増やす"_s);
-    EXPECT_FALSE(control<QAbstractButton>(u"増やす"_s)->isEnabled());
+    click(more);
+    click(more);
+    EXPECT_FALSE(control<QAbstractButton>(more)->isEnabled());
     start();
     EXPECT_TRUE(isShown(30));
 }

@@ -51,7 +51,7 @@ void pressKeys(const QStringList& keys) {
 
 [[nodiscard]] QString focusedName() {
     QWidget* focused = QApplication::focusWidget();
-    return focused ? test::nameOf(*QAccessible::queryAccessibleInterface(focused)) : QString();
+    return focused ? QAccessible::queryAccessibleInterface(focused)->text(QAccessible::Name) : QString();
 }
 
 /// Tab by tab, as a user without a mouse.
@@ -349,6 +349,8 @@ TEST_F(TimelineTest, KeepsWhatTheUserIsDoingWhileRecordingGoesOn) {
     done.setCommitString(u"日本"_s);
     QApplication::sendEvent(editor, &done);
     pressKey(u"ctrl+Return"_s);
+    EXPECT_EQ(note(), "2026-11-18 ai by another") << "nothing is lost unasked";
+    EXPECT_TRUE(click(u"上書き"_s));
     EXPECT_EQ(note(), "2026-11-18 user half日本");
 }
 
