@@ -4,6 +4,7 @@
 #include "ui/controls/IconButton.h"
 #include "ui/controls/SegmentedPicker.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -22,7 +23,7 @@ QStringList periodLabels() {
 void name(IconButton& button, const QString& pattern, ReportPeriod period) {
     const QString text = pattern.arg(periodLabels().at(static_cast<qsizetype>(period)));
     button.setAccessibleName(text);
-    button.setToolTip(text);
+    tellKeys(button, text, button.shortcut());
 }
 
 } // namespace
