@@ -412,8 +412,8 @@ void DateTimeEntry::step(int steps, const WallTime& earliest) {
         const QDateTime to = m_section == Section::year    ? from.addYears(distance)
                              : m_section == Section::month ? from.addMonths(distance)
                              : m_section == Section::day   ? from.addDays(distance)
-                             : m_section == Section::hour  ? from.addSecs(distance * 3600)
-                                                           : from.addSecs(distance * 60);
+                             : m_section == Section::hour  ? from.addSecs(qint64{3600} * distance)
+                                                           : from.addSecs(qint64{60} * distance);
         WallTime value{.date = to.date(), .time = to.time()};
         if (earliest.date.isValid() && from >= dateTimeOf(earliest) && to < dateTimeOf(earliest)) {
             value = earliest;
