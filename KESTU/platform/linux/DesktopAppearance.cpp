@@ -53,7 +53,7 @@ private:
 /// Of the first of the files that has it.
 QVariant toolkitSetting(const QStringList& files, const QString& key) {
     for (const QString& file : files) {
-        const QVariant value = QSettings(file, QSettings::IniFormat).value(QStringLiteral("Settings/") + key);
+        QVariant value = QSettings(file, QSettings::IniFormat).value(QStringLiteral("Settings/") + key);
         if (value.isValid()) {
             return value;
         }

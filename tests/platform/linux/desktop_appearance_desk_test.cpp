@@ -66,7 +66,7 @@ QByteArray number(Number value, bool isBigEndian) {
     return bytes;
 }
 
-QByteArray padded(QByteArray text) {
+QByteArray padded(const QByteArray& text) {
     return text + QByteArray((4 - text.size() % 4) % 4, '\0');
 }
 
