@@ -168,6 +168,23 @@ TEST_F(SmallWindowTest, CutsNoSheetOff) {
     holds("welcome");
 }
 
+TEST_F(SmallWindowTest, ShowsTheFieldThatIsWrittenIn) {
+    open({1100, 720});
+    press(u"手動で追加"_s);
+    for (const QSize& size : {QSize(1100, 720), smallest}) {
+        window->resize(size);
+        QApplication::processEvents();
+        QWidget* field = window->focusWidget();
+        ASSERT_TRUE(qobject_cast<QLineEdit*>(field));
+        EXPECT_EQ(field->visibleRegion().boundingRect(), field->rect()) << size.height();
+    }
+    window->close();
+    model->setManualDraft(std::nullopt);
+    open(smallest);
+    press(u"手動で追加"_s);
+    EXPECT_EQ(window->focusWidget()->visibleRegion().boundingRect(), window->focusWidget()->rect());
+}
+
 TEST_F(SmallWindowTest, HasADrawerForWhatStandsBesideTheDay) {
     open(smallest);
     auto* panel = window->findChild<SidePanel*>();

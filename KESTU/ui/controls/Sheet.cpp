@@ -4,6 +4,7 @@
 #include "ui/controls/Alert.h"
 #include "ui/controls/Painted.h"
 #include "ui/controls/Roles.h"
+#include "ui/controls/Settling.h"
 #include "ui/controls/SheetSupport.h"
 #include "ui/controls/Surfaces.h"
 
@@ -99,6 +100,7 @@ void Sheet::present() {
     raise();
     show();
     place();
+    settle(*m_card); // so that the first field can be brought into view
     focusFirst();
     announceSheet(this, true);
 }
@@ -201,6 +203,7 @@ void Sheet::focusFirst() {
         first = all.empty() ? this : all.front();
     }
     first->setFocus(Qt::OtherFocusReason);
+    m_scroll->ensureWidgetVisible(first);
 }
 
 bool Sheet::focusNextPrevChild(bool next) {
@@ -275,6 +278,11 @@ void Sheet::place() {
 void Sheet::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     place();
+    QWidget* const focused = window()->focusWidget();
+    if (m_presented && focused && isAncestorOf(focused)) {
+        settle(*m_card);
+        m_scroll->ensureWidgetVisible(focused);
+    }
 }
 
 bool Sheet::eventFilter(QObject* watched, QEvent* event) {
