@@ -9,17 +9,18 @@ namespace kestu {
 namespace {
 
 /// A notification that takes no room: readers read one when it says that it is shown.
-class Announcement final : public QWidget {
-    Q_OBJECT
-
-public:
-    explicit Announcement(QWidget* window)
-        : QWidget(window) {
-        reportRole(this, QAccessible::Notification);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        setGeometry(0, 0, 0, 0);
+QWidget* announcementOf(QWidget* window) {
+    const QString name = QStringLiteral("announcement");
+    if (auto* const made = window->findChild<QWidget*>(name, Qt::FindDirectChildrenOnly)) {
+        return made;
     }
-};
+    auto* const made = new QWidget(window);
+    made->setObjectName(name);
+    reportRole(made, QAccessible::Notification);
+    made->setAttribute(Qt::WA_TransparentForMouseEvents);
+    made->setGeometry(0, 0, 0, 0);
+    return made;
+}
 
 } // namespace
 
@@ -28,15 +29,10 @@ void announce(QWidget& source, const QString& text) {
     if (!QAccessible::isActive() || !window->isActiveWindow()) {
         return;
     }
-    auto* announcement = window->findChild<Announcement*>(QString(), Qt::FindDirectChildrenOnly);
-    if (!announcement) {
-        announcement = new Announcement(window);
-    }
+    QWidget* const announcement = announcementOf(window);
     announcement->hide();
     announcement->setAccessibleName(text);
     announcement->show();
 }
 
 } // namespace kestu
-
-#include "Announcing.moc"
