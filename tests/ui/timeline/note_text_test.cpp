@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 
 namespace kestu {
 namespace {
@@ -76,13 +76,13 @@ TEST(NoteText, ReadsHostileTextsQuickly) {
     for (const QString& part : {u"*"_s, u"["_s, u"`"_s, u"*a "_s, u"a* "_s, u"*a_b "_s, u"[a]("_s, u"](<"_s,
                                 u"[a](b"_s, u"![a "_s, u"[a](b \""_s, u"**a*b "_s, u"<a:"_s, u"`a``"_s}) {
         const QString text = part.repeated(100'000 / part.size());
-        const auto start = std::chrono::steady_clock::now();
+        const std::clock_t start = std::clock(); // of this process, whatever else the machine does
         qsizetype length = 0;
         for (const NoteSpan& span : noteSpans(text)) {
             length += span.text.size();
         }
         EXPECT_GT(length, 0);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << part.toStdString();
+        EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC) << part.toStdString();
     }
 }
 
