@@ -349,7 +349,7 @@ TEST_F(TimelineTest, KeepsWhatTheUserIsDoingWhileRecordingGoesOn) {
     done.setCommitString(u"日本"_s);
     QApplication::sendEvent(editor, &done);
     pressKey(u"ctrl+Return"_s);
-    EXPECT_EQ(note(), "2026-11-18 ai by another") << "not unasked";
+    EXPECT_EQ(note(), "2026-11-18 ai by another") << "nothing is lost unasked";
     EXPECT_TRUE(click(u"上書き"_s));
     EXPECT_EQ(note(), "2026-11-18 user half日本");
 }
