@@ -37,20 +37,25 @@ Alert* Alert::tell(QWidget* host, const QString& title, const QString& text) {
         {{.text = QStringLiteral("OK"), .part = AlertButton::Part::standard, .role = ButtonRole::standard}});
 }
 
-Alert* Alert::askToDiscard(QWidget* host, const std::function<void()>& agreed) {
-    const std::vector<AlertButton> buttons{{.text = QStringLiteral("編集を続ける"),
-                                            .part = AlertButton::Part::cancel,
-                                            .role = ButtonRole::standard},
-                                           {.text = QStringLiteral("破棄"),
-                                            .part = AlertButton::Part::other,
-                                            .role = ButtonRole::destructiveFilled}};
-    auto* const alert = ask(host, QStringLiteral("入力した内容を破棄しますか？"),
-                            QStringLiteral("まだ保存されていません。"), buttons);
-    connect(alert, &Alert::answered, host, [agreed](int index) {
+Alert* Alert::confirm(QWidget* host, const QString& title, const QString& text, const QString& keep,
+                      const QString& lose) {
+    auto* const alert =
+        ask(host, title, text,
+            {{.text = keep, .part = AlertButton::Part::cancel, .role = ButtonRole::standard},
+             {.text = lose, .part = AlertButton::Part::other, .role = ButtonRole::destructiveFilled}});
+    connect(alert, &Alert::answered, alert, [alert](int index) {
         if (index == 1) {
-            agreed();
+            Q_EMIT alert->agreed();
         }
     });
+    return alert;
+}
+
+Alert* Alert::askToDiscard(QWidget* host, const std::function<void()>& next) {
+    auto* const alert = confirm(host, QStringLiteral("入力した内容を破棄しますか？"),
+                                QStringLiteral("まだ保存されていません。"), QStringLiteral("編集を続ける"),
+                                QStringLiteral("破棄"));
+    connect(alert, &Alert::agreed, host, next);
     return alert;
 }
 

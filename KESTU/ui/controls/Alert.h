@@ -29,12 +29,17 @@ public:
                       const std::vector<AlertButton>& buttons);
     /// An error with nothing to choose.
     static Alert* tell(QWidget* host, const QString& title, const QString& text);
-    /// Asks whether what is not stored may be lost; calls `agreed` when it may.
-    static Alert* askToDiscard(QWidget* host, const std::function<void()>& agreed);
+    /// Asks before something is lost: `keep` cancels, `lose` emits agreed().
+    static Alert* confirm(QWidget* host, const QString& title, const QString& text, const QString& keep,
+                          const QString& lose);
+    /// Asks whether what is not stored may be lost; calls `next` when it may.
+    static Alert* askToDiscard(QWidget* host, const std::function<void()>& next);
 
 Q_SIGNALS:
     /// The button's place in the list, once the alert is out of the way.
     void answered(int index);
+    /// The answer to confirm() was that it may be lost.
+    void agreed();
 
 private:
     Alert(QWidget* host, const QString& title, const QString& text, const std::vector<AlertButton>& buttons);

@@ -106,18 +106,10 @@ void CategoryCard::chainRules() {
 
 void CategoryCard::confirmDelete() {
     const QString title = QStringLiteral("「%1」を削除しますか？").arg(m_category.name);
-    m_confirmation = Alert::ask(window(), title, lossOf(m_category.kind),
-                                {{.text = QStringLiteral("キャンセル"),
-                                  .part = AlertButton::Part::cancel,
-                                  .role = ButtonRole::standard},
-                                 {.text = QStringLiteral("削除"),
-                                  .part = AlertButton::Part::other,
-                                  .role = ButtonRole::destructiveFilled}});
-    connect(m_confirmation, &Alert::answered, this, [this](int index) {
-        if (index == 1) {
-            m_model.deleteCategory(m_category.kind, m_category.id);
-        }
-    });
+    m_confirmation = Alert::confirm(window(), title, lossOf(m_category.kind), QStringLiteral("キャンセル"),
+                                    QStringLiteral("削除"));
+    connect(m_confirmation, &Alert::agreed, this,
+            [this] { m_model.deleteCategory(m_category.kind, m_category.id); });
 }
 
 /// The question goes with the card, when another process has deleted the category meanwhile.

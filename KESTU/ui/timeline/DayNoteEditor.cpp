@@ -70,21 +70,15 @@ void DayNoteEditor::askToOverwrite(const DailyNote& other) {
     const QString by = other.author == QStringLiteral("ai") ? QStringLiteral(" AI によって") : QString();
     const QString begin =
         other.summary.size() > longestQuote ? other.summary.left(longestQuote) + u'…' : other.summary;
-    auto* question = Alert::ask(parentWidget(), QStringLiteral("上書きしますか？"),
-                                QStringLiteral("編集しているあいだに、この日のまとめが%1書き換えられました。"
-                                               "上書きすると、次の内容は消えます。\n\n%2")
-                                    .arg(by, begin),
-                                {{.text = QStringLiteral("編集を続ける"),
-                                  .part = AlertButton::Part::cancel,
-                                  .role = ButtonRole::standard},
-                                 {.text = QStringLiteral("上書き"),
-                                  .part = AlertButton::Part::other,
-                                  .role = ButtonRole::destructiveFilled}});
-    connect(question, &Alert::answered, this, [this, replaced = other.summary](int index) {
-        if (index == 1) {
-            m_seen = replaced;
-            save();
-        }
+    auto* question =
+        Alert::confirm(parentWidget(), QStringLiteral("上書きしますか？"),
+                       QStringLiteral("編集しているあいだに、この日のまとめが%"
+                                      "1書き換えられました。上書きすると、次の内容は消えます。\n\n%2")
+                           .arg(by, begin),
+                       QStringLiteral("編集を続ける"), QStringLiteral("上書き"));
+    connect(question, &Alert::agreed, this, [this, replaced = other.summary] {
+        m_seen = replaced;
+        save();
     });
 }
 

@@ -8,19 +8,12 @@
 namespace kestu {
 
 void askToDelete(QWidget& window, AppModel& model, const ResolvedActivity& item) {
-    const std::vector<AlertButton> buttons{
-        {.text = QStringLiteral("キャンセル"), .part = AlertButton::Part::cancel, .role = {}},
-        {.text = QStringLiteral("削除"),
-         .part = AlertButton::Part::other,
-         .role = ButtonRole::destructiveFilled}};
     auto* question =
-        Alert::ask(&window, QStringLiteral("この区間を削除しますか？"),
-                   activityName(item, model) + QStringLiteral("\n削除すると元に戻せません。"), buttons);
-    QObject::connect(question, &Alert::answered, question, [&model, id = item.activity.id](int index) {
-        if (index == 1) {
-            model.deleteActivity(id);
-        }
-    });
+        Alert::confirm(&window, QStringLiteral("この区間を削除しますか？"),
+                       activityName(item, model) + QStringLiteral("\n削除すると元に戻せません。"),
+                       QStringLiteral("キャンセル"), QStringLiteral("削除"));
+    QObject::connect(question, &Alert::agreed, question,
+                     [&model, id = item.activity.id] { model.deleteActivity(id); });
 }
 
 } // namespace kestu
