@@ -24,16 +24,6 @@ struct WallTime {
     bool operator==(const WallTime&) const = default;
 };
 
-/// What a text names; a date, a time or both. None for a text that is something else.
-struct NamedTime {
-    std::optional<QDate> date;
-    std::optional<QTime> time;
-
-    bool operator==(const NamedTime&) const = default;
-};
-/// `year` is that of a date without one.
-[[nodiscard]] std::optional<NamedTime> namedTime(const QString& text, int year);
-
 class DateTimeEntry final {
 public:
     enum class Section { year, month, day, hour, minute };

@@ -2,6 +2,7 @@
 //
 // What typing and pasting make of a time, without a window.
 #include "ui/controls/DateTimeEntry.h"
+#include "ui/controls/NamedTime.h"
 
 #include <gtest/gtest.h>
 
