@@ -48,8 +48,8 @@ protected:
         window = std::make_unique<MainWindow>(*model, *commands);
         window->resize(size);
         window->show();
-        QApplication::setActiveWindow(window.get());
-        QApplication::processEvents();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
 
     [[nodiscard]] QAbstractButton* button(const QString& name) const {
