@@ -59,7 +59,6 @@ void Sheet::build() {
     m_scroll->setWidget(body);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setFocusPolicy(Qt::NoFocus);
     // The card shows through.
     m_scroll->viewport()->setAutoFillBackground(false);
