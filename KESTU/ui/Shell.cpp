@@ -115,7 +115,11 @@ void Shell::togglePanel() {
     }
     m_panel = new MenuBarView(m_model, m_commands);
     m_panel->setAttribute(Qt::WA_DeleteOnClose);
-    connect(m_panel, &QObject::destroyed, this, [this] { m_sincePanelClosed.start(); });
+    m_statusItem.setToolTipShown(false);
+    connect(m_panel, &QObject::destroyed, this, [this] {
+        m_sincePanelClosed.start();
+        m_statusItem.setToolTipShown(true);
+    });
     m_panelAnchor = QRect(QCursor::pos(), QSize(1, 1)); // where the desktop does not tell the icon's place
     m_panel->adjustSize();
     placePanel();
