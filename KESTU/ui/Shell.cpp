@@ -161,7 +161,10 @@ void Shell::checkForUpdatesQuietly() {
 void Shell::stayReachable() {
     if (!m_window && !m_isTrayThere()) {
         makeWindow();
-        m_window->showMinimized(); // it was not asked for: whoever works now keeps the front
+        // It was not asked for: whoever works now keeps the front, also where windows cannot be minimised.
+        m_window->setAttribute(Qt::WA_ShowWithoutActivating);
+        m_window->showMinimized();
+        m_window->setAttribute(Qt::WA_ShowWithoutActivating, false);
     }
 }
 
