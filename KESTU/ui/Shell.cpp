@@ -124,6 +124,8 @@ void Shell::togglePanel() {
     m_panel->adjustSize();
     placePanel();
     connect(m_panel, &MenuBarView::resized, this, &Shell::placePanel);
+    m_isPanelCorrected = false;
+    connect(m_panel, &MenuBarView::moved, this, &Shell::correctPanel);
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
@@ -134,7 +136,16 @@ void Shell::placePanel() {
     m_panelAnchor = icon.isEmpty() ? m_panelAnchor : icon;
     const QScreen* screen = QGuiApplication::screenAt(m_panelAnchor.center());
     screen = screen ? screen : QGuiApplication::primaryScreen();
-    m_panel->move(panelPosition(m_panel->size(), m_panelAnchor, screen->availableGeometry()));
+    m_panelPlace = panelPosition(m_panel->size(), m_panelAnchor, screen->availableGeometry());
+    m_panel->move(m_panelPlace);
+}
+
+/// i3 puts a new window aside by the frame that it does not get. Once: who insists is the window manager.
+void Shell::correctPanel() {
+    if (m_panel->isVisible() && !m_isPanelCorrected && m_panel->pos() != m_panelPlace) {
+        m_isPanelCorrected = true;
+        placePanel();
+    }
 }
 
 void Shell::checkForUpdates() {
