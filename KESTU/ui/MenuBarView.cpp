@@ -196,6 +196,11 @@ void MenuBarView::resizeEvent(QResizeEvent* event) {
     Q_EMIT resized();
 }
 
+void MenuBarView::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    Q_EMIT moved();
+}
+
 QPoint panelPosition(const QSize& panel, const QRect& anchor, const QRect& room) {
     constexpr int distance = 6;
     constexpr int edge = 100; // what is nearer to an edge than that is in a row or column along it

@@ -21,12 +21,14 @@ public:
 Q_SIGNALS:
     /// It is as high as what it holds, and must be placed anew.
     void resized();
+    void moved();
 
 protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
 
 private:
     [[nodiscard]] QLayout* makeControls(Commands& commands);

@@ -115,11 +115,17 @@ void Shell::togglePanel() {
     }
     m_panel = new MenuBarView(m_model, m_commands);
     m_panel->setAttribute(Qt::WA_DeleteOnClose);
-    connect(m_panel, &QObject::destroyed, this, [this] { m_sincePanelClosed.start(); });
+    m_statusItem.setToolTipShown(false);
+    connect(m_panel, &QObject::destroyed, this, [this] {
+        m_sincePanelClosed.start();
+        m_statusItem.setToolTipShown(true);
+    });
     m_panelAnchor = QRect(QCursor::pos(), QSize(1, 1)); // where the desktop does not tell the icon's place
     m_panel->adjustSize();
     placePanel();
     connect(m_panel, &MenuBarView::resized, this, &Shell::placePanel);
+    m_isPanelCorrected = false;
+    connect(m_panel, &MenuBarView::moved, this, &Shell::correctPanel);
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
@@ -130,7 +136,16 @@ void Shell::placePanel() {
     m_panelAnchor = icon.isEmpty() ? m_panelAnchor : icon;
     const QScreen* screen = QGuiApplication::screenAt(m_panelAnchor.center());
     screen = screen ? screen : QGuiApplication::primaryScreen();
-    m_panel->move(panelPosition(m_panel->size(), m_panelAnchor, screen->availableGeometry()));
+    m_panelPlace = panelPosition(m_panel->size(), m_panelAnchor, screen->availableGeometry());
+    m_panel->move(m_panelPlace);
+}
+
+/// i3 puts a new window aside by the frame that it does not get. Once: who insists is the window manager.
+void Shell::correctPanel() {
+    if (m_panel->isVisible() && !m_isPanelCorrected && m_panel->pos() != m_panelPlace) {
+        m_isPanelCorrected = true;
+        placePanel();
+    }
 }
 
 void Shell::checkForUpdates() {
@@ -157,7 +172,10 @@ void Shell::checkForUpdatesQuietly() {
 void Shell::stayReachable() {
     if (!m_window && !m_isTrayThere()) {
         makeWindow();
-        m_window->showMinimized(); // it was not asked for: whoever works now keeps the front
+        // It was not asked for: whoever works now keeps the front, also where windows cannot be minimised.
+        m_window->setAttribute(Qt::WA_ShowWithoutActivating);
+        m_window->showMinimized();
+        m_window->setAttribute(Qt::WA_ShowWithoutActivating, false);
     }
 }
 

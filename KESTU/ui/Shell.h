@@ -43,6 +43,7 @@ private:
     void quit();
     void togglePanel();
     void placePanel();
+    void correctPanel();
     void checkForUpdates();
     void showAnswer(const UpdateAnswer& answer);
     void stayReachable();
@@ -54,6 +55,8 @@ private:
     QPointer<MainWindow> m_window;
     QPointer<MenuBarView> m_panel;
     QRect m_panelAnchor; // what the panel stands beside
+    QPoint m_panelPlace; // where it was put
+    bool m_isPanelCorrected = false;
     QElapsedTimer m_sincePanelClosed;
     QTimer m_trayWatch;
 };

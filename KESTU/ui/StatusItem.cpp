@@ -33,9 +33,18 @@ void StatusItem::setInk(const std::optional<QColor>& ink) {
     refreshIcon();
 }
 
+void StatusItem::setToolTipShown(bool shown) {
+    m_isToolTipShown = shown;
+    refreshToolTip();
+}
+
 void StatusItem::refreshIcon() {
     m_icon.setIcon(trayIconOf(iconName(), m_ink));
-    m_icon.setToolTip(QStringLiteral("KESTU：") + trackingStateText(m_model));
+    refreshToolTip();
+}
+
+void StatusItem::refreshToolTip() {
+    m_icon.setToolTip(m_isToolTipShown ? QStringLiteral("KESTU：") + trackingStateText(m_model) : QString());
 }
 
 } // namespace kestu

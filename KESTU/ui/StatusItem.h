@@ -29,6 +29,12 @@ public:
     /// The name of the icon that is shown.
     [[nodiscard]] QString iconName() const;
 
+    /// Without one while the panel is open, which the desktop would cover with it; Xfce still names the
+    /// program.
+    void setToolTipShown(bool shown);
+
+    [[nodiscard]] QString toolTip() const { return m_icon.toolTip(); }
+
     /// What the tray wants symbols drawn in; none where it does not tell.
     void setInk(const std::optional<QColor>& ink);
 
@@ -37,9 +43,11 @@ Q_SIGNALS:
 
 private:
     void refreshIcon();
+    void refreshToolTip();
 
     AppModel& m_model;
     std::optional<QColor> m_ink;
+    bool m_isToolTipShown = true;
     QMenu m_menu;
     QSystemTrayIcon m_icon;
 };

@@ -9,6 +9,7 @@
 #include "ui/Commands.h"
 #include "ui/MainWindow.h"
 #include "ui/controls/DateTimeField.h"
+#include "ui/controls/Settling.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -78,6 +79,14 @@ protected:
     [[nodiscard]] DateTimeField& field(const QString& name) const { return *control<DateTimeField>(name); }
     [[nodiscard]] QString shown(const QString& name) const { return field(name).text().section(u' ', 1); }
 
+    /// In the window, once everything is laid out.
+    [[nodiscard]] QPoint placeOf(const QString& name) const {
+        settle(*window);
+        QCoreApplication::processEvents();
+        settle(*window);
+        return field(name).mapTo(window.get(), QPoint());
+    }
+
     /// Goes into the field and types into its hour.
     void type(const QString& name, const QString& keys) const {
         control<QLineEdit>(u"内容"_s)->setFocus();
@@ -144,7 +153,9 @@ TEST_F(ManualEntryTest, SaysThatAnEndIsBeforeTheStartAndSavesNone) {
     open(test::sampleTime(10, 45), test::sampleTime(10, 55));
     type(u"終了"_s, u"9"_s);
     EXPECT_FALSE(test::isShown(told)) << "it is half-typed";
+    const QPoint before = placeOf(u"終了"_s);
     goOn();
+    EXPECT_EQ(placeOf(u"終了"_s), before) << "the sheet grows downwards";
     EXPECT_TRUE(test::isShown(told));
     EXPECT_EQ(field(u"終了"_s).accessibleDescription(), told);
     EXPECT_FALSE(saveButton()->isEnabled());

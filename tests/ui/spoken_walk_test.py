@@ -175,6 +175,19 @@ class Walk(unittest.TestCase):
             self.key("Escape")
             self.wait_for_end(name)
 
+    def wrong_time(self):
+        """A complaint is told when it comes up, and stands at its field from then on."""
+        self.key("ctrl+n")
+        title = self.find("内容", "text")
+        self.reader.wait(lambda: "focused" in title.states, "the focus in the title")
+        self.key("shift+Tab", "Left")
+        complaint = "終了は開始より後にしてください。"
+        self.announced(complaint, lambda: self.key("0", "0", "1", "5"))
+        self.assertEqual(self.find("終了", "spin button").description, complaint)
+        self.key("Escape")
+        self.find("破棄").press()
+        self.wait_for_end("手動の記録")
+
     def wait_for_end(self, sheet):
         self.reader.wait(lambda: sheet not in [child.name for child in self.window.children], f"the end of {sheet}")
 
@@ -202,6 +215,7 @@ class Walk(unittest.TestCase):
         self.find("プロジェクト", "combo box")
         self.walk("timeline with an activity", 14)
         self.sheet("手動の記録", lambda: self.key("ctrl+n"), 8)
+        self.wrong_time()
         self.sheet("この日のまとめ", self.find("編集").press, 3)
         self.sheet("振り分け", self.find("振り分ける…").press, 6)
         self.find("1日の帯", "list").press()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/controls/DateTimeField.h"
 
+#include "ui/controls/Announcing.h"
 #include "ui/controls/CalendarPopup.h"
 #include "ui/theme/Icons.h"
 #include "ui/theme/KestuStyle.h"
@@ -65,6 +66,9 @@ void DateTimeField::showEntry(bool selected) {
     }
     if (accessibleDescription() != told()) {
         setAccessibleDescription(told());
+        if (!told().isEmpty()) {
+            announce(*this, told());
+        }
     }
     setWrong(this, m_entry.isWrong() || !m_remark.isEmpty());
 }

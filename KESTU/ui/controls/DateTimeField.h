@@ -24,8 +24,7 @@ public:
     void setEarliest(const WallTime& earliest) { m_earliest = earliest; }
     /// Why a time that the calendar knows cannot be meant; empty when it can.
     void setObjection(DateTimeEntry::Objection objection) { m_entry.setObjection(std::move(objection)); }
-    /// Says, in its look and to who hears it, that what it holds does not go with the rest; empty takes it
-    /// back.
+    /// Shows, and announces once, that what it holds does not go with the rest; empty takes it back.
     void setRemark(const QString& remark);
 
     /// What the user is told about it; empty when all is well.

@@ -59,7 +59,6 @@ void Sheet::build() {
     m_scroll->setWidget(body);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setFocusPolicy(Qt::NoFocus);
     // The card shows through.
     m_scroll->viewport()->setAutoFillBackground(false);
@@ -101,6 +100,7 @@ void Sheet::present() {
     show();
     place();
     settle(*m_card); // so that the first field can be brought into view
+    place();
     focusFirst();
     announceSheet(this, true);
 }
@@ -268,10 +268,18 @@ int Sheet::cardHeight() const {
     return std::min(body + line + buttons + edges, std::max(height() - hostMargin, buttons + edges));
 }
 
+/// In the middle.
 void Sheet::place() {
+    m_top = (height() - cardHeight()) / 2;
+    fit();
+}
+
+/// What is being read and clicked stays where it is, as long as there is room below.
+void Sheet::fit() {
     m_footerBox->setVisible(m_footer->count() > 1);
     const int wanted = cardHeight();
-    m_card->setGeometry((width() - cardWidth()) / 2, (height() - wanted) / 2, cardWidth(), wanted);
+    const int top = std::min(m_top, height() - hostMargin / 2 - wanted);
+    m_card->setGeometry((width() - cardWidth()) / 2, top, cardWidth(), wanted);
     update();
 }
 
@@ -289,7 +297,7 @@ bool Sheet::eventFilter(QObject* watched, QEvent* event) {
     if (watched == parentWidget() && event->type() == QEvent::Resize) {
         setGeometry(parentWidget()->rect());
     } else if (watched == m_scroll->widget() && event->type() == QEvent::LayoutRequest && m_presented) {
-        place();
+        fit();
     }
     return QWidget::eventFilter(watched, event);
 }

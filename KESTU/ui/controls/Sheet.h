@@ -67,6 +67,7 @@ private:
     void build();
     void dismiss();
     void place();
+    void fit();
     void coverHost();
     void uncoverHost();
     void focusFirst();
@@ -83,6 +84,7 @@ private:
     QWidget* m_footerBox;
     Divider* m_footerLine;
     int m_width;
+    int m_top = 0; // of the card, in the middle when it was presented
     bool m_dismissable = true;
     bool m_presented = false;
     QPointer<Alert> m_question;

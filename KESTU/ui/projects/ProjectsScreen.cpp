@@ -51,7 +51,6 @@ ProjectsScreen::ProjectsScreen(AppModel& model)
     layout->addWidget(m_scroll);
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setFocusPolicy(Qt::NoFocus);
     m_scroll->setWidget(makeColumn());
     m_scroll->viewport()->setAutoFillBackground(false);

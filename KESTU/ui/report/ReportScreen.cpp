@@ -37,7 +37,6 @@ ReportScreen::ReportScreen(AppModel& model, QWidget* parent)
     , m_scroll(new QScrollArea)
     , m_folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {
     m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFocusPolicy(Qt::NoFocus); // its controls scroll it
     m_scroll->setWidget(makeColumn());

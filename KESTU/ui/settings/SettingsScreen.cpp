@@ -107,7 +107,6 @@ SettingsScreen::SettingsScreen(AppModel& model) {
     layout->addStretch(1);
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     setWidget(content);
 }

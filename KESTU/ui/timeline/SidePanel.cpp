@@ -74,7 +74,6 @@ QVBoxLayout* SidePanel::makeColumn() {
     m_scroll->setWidget(content);
     m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->setFocusPolicy(Qt::NoFocus); // its buttons scroll it
     m_scroll->viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);

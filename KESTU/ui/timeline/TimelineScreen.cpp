@@ -98,7 +98,6 @@ QScrollArea* TimelineScreen::makeColumn() {
     auto* column = new QScrollArea;
     column->setWidgetResizable(true);
     column->setFrameShape(QFrame::NoFrame);
-    column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     column->setFocusPolicy(Qt::NoFocus);
     column->setWidget(content);
     connect(&m_hours->bars(), &HourBars::revealed, this, [this, column](const QRect& box) {
