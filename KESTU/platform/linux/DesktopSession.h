@@ -9,10 +9,12 @@
 #include "platform/Workspace.h"
 #include "platform/linux/DisplayPower.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace kestu {
 
@@ -36,6 +38,13 @@ public:
     [[nodiscard]] virtual Ability windows() = 0;
     [[nodiscard]] virtual Ability titles() = 0;
     [[nodiscard]] virtual Ability idle() = 0;
+
+    /// Whether the window of this application that is in front keeps the display on. Absent when the session
+    /// does not tell that, or not by `deadline`.
+    [[nodiscard]] virtual std::optional<bool> keepsDisplayOn(const FrontmostApplication& /*front*/,
+                                                             const QDeadlineTimer& /*deadline*/) {
+        return std::nullopt;
+    }
 
     /// Does what a program may do itself so that windows can be seen. Takes 0.3 seconds at most; what comes
     /// of it shows in the abilities, at once or later.

@@ -68,7 +68,10 @@ public:
         : m_session(openSession([this] { return m_systemEvents.isHeld(); })) // asked later
         , m_systemEvents(QDBusConnection::systemBus(), QDBusConnection::sessionBus(),
                          m_session->displayPower())
-        , m_displayAssertions(QDBusConnection::systemBus(), QDBusConnection::sessionBus())
+        , m_displayAssertions(QDBusConnection::systemBus(), QDBusConnection::sessionBus(),
+                              [this](const FrontmostApplication& front, const QDeadlineTimer& deadline) {
+                                  return m_session->keepsDisplayOn(front, deadline);
+                              })
         , m_accessibilityBus(QDBusConnection::sessionBus())
         , m_browserAddress(m_accessibilityBus)
         , m_settings(userSettingsPath())
