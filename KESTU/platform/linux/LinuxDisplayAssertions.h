@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Who keeps the display awake, from the lists that name their clients: the login manager's inhibitors by
-// process; the session manager's, KDE's and the common power service's by what clients call themselves; and from
-// the session itself where it knows its windows' inhibitors. Some
-// services take inhibitions and do not tell whose, so nothing can be said from them. The Linux platform owns
-// one.
+// process; the session manager's, KDE's and the common power service's by what clients call themselves; and
+// from the session itself where it knows its windows' inhibitors. Some services take inhibitions and do not
+// tell whose, so nothing can be said from them. The Linux platform owns one.
 #pragma once
 
 #include "platform/DisplayAssertions.h"
@@ -25,8 +24,7 @@ public:
     using OfSession = std::function<std::optional<bool>(const FrontmostApplication&, const QDeadlineTimer&)>;
 
     LinuxDisplayAssertions(const QDBusConnection& systemBus, const QDBusConnection& sessionBus,
-                           OfSession ofSession = {},
-                           QString procRoot = QStringLiteral("/proc"),
+                           OfSession ofSession = {}, QString procRoot = QStringLiteral("/proc"),
                            ApplicationIds::EntrySource entries = installedDesktopEntries);
 
     [[nodiscard]] std::optional<QStringList> heldBy(const FrontmostApplication& application) override;

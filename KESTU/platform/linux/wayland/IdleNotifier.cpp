@@ -1,60 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/wayland/IdleNotifier.h"
 
-#include <ext-idle-notify-client.h>
 #include <wayland-client.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace kestu {
-namespace {
-
-constexpr std::uint32_t newestVersion = 2;
-
-} // namespace
-
 struct IdleNotifier::Seat {
-    IdleNotifier& owner;
     std::uint32_t global = 0;
     BoundSeat seat;
-    Notification notification{};
+    std::unique_ptr<IdleNotification> notification{};
     bool isIdle = false;
     Moment watchedSince{}; // silence says that somebody is there only when it has lasted since then
 };
-
-struct IdleNotifier::Listeners {
-    static void idled(void* data, ext_idle_notification_v1*) {
-        auto& seat = *static_cast<Seat*>(data);
-        seat.owner.noteIdle(seat);
-    }
-
-    static void resumed(void* data, ext_idle_notification_v1*) {
-        auto& seat = *static_cast<Seat*>(data);
-        seat.isIdle = false;
-        seat.watchedSince = seat.owner.m_connection.readAt();
-        seat.owner.m_hasResumed = true;
-    }
-
-    static void probeIdled(void* data, ext_idle_notification_v1*) {
-        auto& owner = *static_cast<IdleNotifier*>(data);
-        owner.m_probe.reset();
-        owner.m_probeTimer.stop();
-    }
-
-    static void ignore(void*, ext_idle_notification_v1*) {}
-
-    static constexpr ext_idle_notification_v1_listener ofSeat{.idled = idled, .resumed = resumed};
-    static constexpr ext_idle_notification_v1_listener ofProbe{.idled = probeIdled, .resumed = ignore};
-};
-
-void IdleNotifier::Destroy::operator()(ext_idle_notifier_v1* notifier) const {
-    ext_idle_notifier_v1_destroy(notifier);
-}
-
-void IdleNotifier::Destroy::operator()(ext_idle_notification_v1* notification) const {
-    ext_idle_notification_v1_destroy(notification);
-}
 
 void IdleNotifier::Destroy::operator()(wl_seat* seat) const {
     wl_seat_destroy(seat);
@@ -71,7 +30,7 @@ IdleNotifier::IdleNotifier(WaylandConnection& connection, SwayTree& sway, IdleTi
     connect(&connection, &WaylandConnection::dispatched, this, &IdleNotifier::decide);
     connect(&connection, &WaylandConnection::broken, this, [this] {
         m_seats.clear();
-        forgetNotifier();
+        forgetProtocol();
         decide();
     });
 }
@@ -81,32 +40,31 @@ IdleNotifier::~IdleNotifier() = default;
 void IdleNotifier::add(const WaylandGlobal& global) {
     if (global.interface == wl_seat_interface.name) {
         m_seats.push_back(std::make_unique<Seat>(
-            Seat{.owner = *this,
-                 .global = global.name,
+            Seat{.global = global.name,
                  .seat = BoundSeat(m_connection.bind<wl_seat>(global, wl_seat_interface, 1))}));
-    } else if (global.interface == ext_idle_notifier_v1_interface.name) {
-        forgetNotifier();
-        m_notifier.reset(
-            m_connection.bind<ext_idle_notifier_v1>(global, ext_idle_notifier_v1_interface, newestVersion));
-        m_version = ext_idle_notifier_v1_get_version(m_notifier.get());
+        return;
+    }
+    if (auto protocol = IdleProtocol::bind(m_connection, global);
+        protocol && (!m_protocol || protocol->isPreferred())) {
+        forgetProtocol();
+        m_protocol = std::move(protocol);
         m_global = global.name;
     }
 }
 
 void IdleNotifier::remove(std::uint32_t name) {
-    if (m_notifier && name == m_global) {
-        forgetNotifier();
+    if (m_protocol && name == m_global) {
+        forgetProtocol();
     }
     std::erase_if(m_seats, [name](const auto& seat) { return seat->global == name; });
 }
 
-void IdleNotifier::forgetNotifier() {
-    m_probe.reset();
-    m_probeTimer.stop();
+void IdleNotifier::forgetProtocol() {
+    endProbe();
     for (const auto& seat : m_seats) {
         seat->notification.reset();
     }
-    m_notifier.reset();
+    m_protocol.reset();
     m_hasResumed = false;
     m_isAway = false;
 }
@@ -117,9 +75,12 @@ void IdleNotifier::decide() {
         m_lastInput = m_connection.readAt(); // up to now nobody knew, which counts as presence
     }
     for (const auto& seat : m_seats) {
-        if (m_notifier && !seat->notification) {
+        if (m_protocol && !seat->notification) {
             watch(*seat, m_connection.readAt());
         }
+    }
+    if (m_isProbeAnswered) {
+        endProbe();
     }
     if (std::exchange(m_hasResumed, false)) {
         takeResumed();
@@ -130,19 +91,15 @@ void IdleNotifier::decide() {
 }
 
 void IdleNotifier::watch(Seat& seat, Moment since) {
-    seat.notification = notificationAfter(seat.seat.get(), m_times.threshold);
+    const auto resumed = [this, &seat] {
+        seat.isIdle = false;
+        seat.watchedSince = m_connection.readAt();
+        m_hasResumed = true;
+    };
+    seat.notification = m_protocol->notify(seat.seat.get(), m_times.threshold,
+                                           {.idled = [this, &seat] { noteIdle(seat); }, .resumed = resumed});
     seat.isIdle = false;
     seat.watchedSince = since;
-    ext_idle_notification_v1_add_listener(seat.notification.get(), &Listeners::ofSeat, &seat);
-}
-
-IdleNotifier::Notification IdleNotifier::notificationAfter(wl_seat* seat,
-                                                           std::chrono::milliseconds time) const {
-    const auto milliseconds = static_cast<std::uint32_t>(time.count());
-    return Notification(
-        looksAtInputAlone()
-            ? ext_idle_notifier_v1_get_input_idle_notification(m_notifier.get(), milliseconds, seat)
-            : ext_idle_notifier_v1_get_idle_notification(m_notifier.get(), milliseconds, seat));
 }
 
 void IdleNotifier::noteIdle(Seat& seat) {
@@ -156,7 +113,7 @@ void IdleNotifier::noteIdle(Seat& seat) {
 }
 
 void IdleNotifier::takeResumed() {
-    const auto answer = looksAtInputAlone() ? std::nullopt : m_sway.ask();
+    const auto answer = m_protocol->looksAtInputAlone() ? std::nullopt : m_sway.ask();
     if (answer && answer->isDisplayKeptOn) {
         m_isAway = true; // as before: an inhibitor's beginning is no input
     } else {
@@ -167,8 +124,7 @@ void IdleNotifier::takeResumed() {
 void IdleNotifier::noteInput(Moment when) {
     m_lastInput = std::max(m_lastInput, when);
     m_isAway = false;
-    m_probe.reset();
-    m_probeTimer.stop();
+    endProbe();
 }
 
 void IdleNotifier::lookWhetherReleased() {
@@ -198,7 +154,7 @@ Moment IdleNotifier::lastInput(Moment now) const {
 }
 
 Seconds IdleNotifier::secondsSinceLastInput() {
-    m_connection.read();
+    m_connection.check();
     if (!canTell()) {
         return Seconds{0};
     }
@@ -210,7 +166,7 @@ Seconds IdleNotifier::secondsSinceLastInput() {
 }
 
 void IdleNotifier::noteChange() {
-    if (!canTell() || looksAtInputAlone()) {
+    if (!canTell() || m_protocol->looksAtInputAlone()) {
         return;
     }
     if (m_isAway) {
@@ -229,15 +185,23 @@ void IdleNotifier::probe() {
         return;
     }
     m_probedAt = now;
-    m_probe = notificationAfter(m_seats.front()->seat.get(), m_times.probe);
-    ext_idle_notification_v1_add_listener(m_probe.get(), &Listeners::ofProbe, this);
+    m_probe = m_protocol->notify(m_seats.front()->seat.get(), m_times.probe,
+                                 {.idled = [this] { m_isProbeAnswered = true; }, .resumed = [] {}});
     m_connection.flush();
     m_probeTimer.start(m_times.probe + m_times.slack);
 }
 
+void IdleNotifier::endProbe() {
+    m_probe.reset();
+    m_probeTimer.stop();
+    m_isProbeAnswered = false;
+}
+
 void IdleNotifier::takeProbe() {
     m_connection.read();
-    if (!std::exchange(m_probe, nullptr) || !isIdle()) {
+    const bool isSilenced = m_probe && isIdle();
+    endProbe();
+    if (!isSilenced) {
         return;
     }
     // An inhibitor silences it, and the long ones with it, which would never speak again: new ones do when it

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "platform/UserInput.h"
+#include "platform/linux/wayland/IdleProtocol.h"
 #include "platform/linux/wayland/SwayTree.h"
 #include "platform/linux/wayland/WaylandConnection.h"
 
@@ -18,8 +19,6 @@
 #include <optional>
 #include <vector>
 
-struct ext_idle_notification_v1;
-struct ext_idle_notifier_v1;
 struct wl_seat;
 
 namespace kestu {
@@ -42,7 +41,7 @@ public:
     [[nodiscard]] Seconds secondsSinceLastInput() override;
 
     /// Whether the compositor tells of input at all.
-    [[nodiscard]] bool canTell() const { return m_notifier && !m_seats.empty(); }
+    [[nodiscard]] bool canTell() const { return m_protocol && !m_seats.empty(); }
 
     /// Another window came to the front, or the one there has another title. Where an inhibitor silences the
     /// compositor, somebody is there then; else it says nothing, for titles change by themselves.
@@ -53,37 +52,31 @@ Q_SIGNALS:
 
 private:
     struct Seat;
-    struct Listeners;
     struct Destroy {
-        void operator()(ext_idle_notifier_v1* notifier) const;
-        void operator()(ext_idle_notification_v1* notification) const;
         void operator()(wl_seat* seat) const;
     };
     using BoundSeat = std::unique_ptr<wl_seat, Destroy>;
-    using Notification = std::unique_ptr<ext_idle_notification_v1, Destroy>;
 
     void add(const WaylandGlobal& global);
     void remove(std::uint32_t name);
-    void forgetNotifier();
+    void forgetProtocol();
     void decide();
     void noteIdle(Seat& seat);
     void noteInput(Moment when);
     void takeResumed();
     void lookWhetherReleased();
     void watch(Seat& seat, Moment since);
-    [[nodiscard]] Notification notificationAfter(wl_seat* seat, std::chrono::milliseconds time) const;
     [[nodiscard]] bool isIdle() const;
-    [[nodiscard]] bool looksAtInputAlone() const { return m_version >= 2; }
     [[nodiscard]] Moment lastInput(Moment now) const;
     void probe();
     void takeProbe();
+    void endProbe();
 
     WaylandConnection& m_connection;
     SwayTree& m_sway;
     IdleTimes m_times;
-    std::unique_ptr<ext_idle_notifier_v1, Destroy> m_notifier;
-    std::uint32_t m_global = 0;  // of the notifier
-    std::uint32_t m_version = 0; // of the notifier
+    std::unique_ptr<IdleProtocol> m_protocol;
+    std::uint32_t m_global = 0; // of the protocol
     std::vector<std::unique_ptr<Seat>> m_seats;
     bool m_couldTell = false;
 
@@ -93,7 +86,8 @@ private:
 
     // Asks for a short idleness, beside the long one that has been told: if that does not come, an inhibitor
     // is held.
-    Notification m_probe;
+    std::unique_ptr<IdleNotification> m_probe;
+    bool m_isProbeAnswered = false;
     Moment m_probedAt;
     QTimer m_probeTimer;
 };

@@ -95,8 +95,8 @@ void WaylandConnection::open(std::chrono::milliseconds patience) {
         return;
     }
     const QDeadlineTimer deadline(patience);
-    greet(deadline); // brings the globals
-    greet(deadline); // brings what they tell to those who have bound them
+    awaitGreeting(deadline); // brings the globals
+    awaitGreeting(deadline); // brings what they tell to those who have bound them
 }
 
 bool WaylandConnection::connectToSocket() {
@@ -120,22 +120,28 @@ bool WaylandConnection::connectToSocket() {
     return true;
 }
 
-/// Reads until all is answered that was asked before.
-void WaylandConnection::greet(const QDeadlineTimer& deadline) {
-    if (isBroken()) {
-        return;
+void WaylandConnection::greet() {
+    if (!isBroken() && !m_greeting) {
+        m_greeting = wl_display_sync(m_display);
+        wl_callback_add_listener(m_greeting, &Listeners::greeting, this);
+        flush();
     }
-    m_greeting = wl_display_sync(m_display);
-    wl_callback_add_listener(m_greeting, &Listeners::greeting, this);
+}
+
+/// Reads until all is answered that was asked before.
+void WaylandConnection::awaitGreeting(const QDeadlineTimer& deadline) {
+    greet();
     while (m_greeting && !deadline.hasExpired()) {
         flush();
         if (hasInput(wl_display_get_fd(m_display), std::chrono::milliseconds(deadline.remainingTime()))) {
             read();
         }
     }
-    if (m_greeting) {
-        wl_callback_destroy(std::exchange(m_greeting, nullptr));
-    }
+}
+
+void WaylandConnection::check() {
+    read();
+    greet();
 }
 
 void WaylandConnection::read() {

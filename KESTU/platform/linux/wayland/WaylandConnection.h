@@ -54,6 +54,11 @@ public:
     /// Takes what has come by now, and tells it by the signals. Does not wait.
     void read();
 
+    /// As `read`, and asks for a sign of life, which comes later. A compositor that could not send us
+    /// something (a title beyond the length of a message) sends nothing more, and ends the connection only
+    /// when it hears from us.
+    void check();
+
     /// Sends what was asked. Does not wait: what the compositor does not take now is sent when it does.
     void flush();
 
@@ -81,7 +86,8 @@ private:
     struct Listeners;
 
     bool connectToSocket();
-    void greet(const QDeadlineTimer& deadline);
+    void greet();
+    void awaitGreeting(const QDeadlineTimer& deadline);
     [[nodiscard]] bool readOnce();
     void tryAgain();
     void tryLater();

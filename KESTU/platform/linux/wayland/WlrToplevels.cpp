@@ -55,16 +55,25 @@ struct WlrToplevels::Toplevel {
 struct WlrToplevels::Listeners {
     static Toplevel& of(void* data) { return *static_cast<Toplevel*>(data); }
 
-    static void added(void* data, zwlr_foreign_toplevel_manager_v1*,
+    static void added(void* data, zwlr_foreign_toplevel_manager_v1* manager,
                       zwlr_foreign_toplevel_handle_v1* handle) {
         auto& owner = *static_cast<WlrToplevels*>(data);
+        if (manager != owner.m_manager.get()) {
+            zwlr_foreign_toplevel_handle_v1_destroy(handle);
+            return;
+        }
         owner.m_toplevels.push_back(
             std::make_unique<Toplevel>(Toplevel{.owner = owner, .handle = Handle(handle)}));
         zwlr_foreign_toplevel_handle_v1_add_listener(handle, &toplevel, owner.m_toplevels.back().get());
     }
 
-    static void finished(void* data, zwlr_foreign_toplevel_manager_v1*) {
-        static_cast<WlrToplevels*>(data)->m_isFinished = true;
+    static void finished(void* data, zwlr_foreign_toplevel_manager_v1* manager) {
+        auto& owner = *static_cast<WlrToplevels*>(data);
+        if (manager == owner.m_leaving.get()) {
+            owner.m_leaving.reset();
+        } else {
+            owner.m_isFinished = true;
+        }
     }
 
     static void title(void* data, zwlr_foreign_toplevel_handle_v1*, const char* title) {
@@ -119,11 +128,11 @@ WlrToplevels::WlrToplevels(WaylandConnection& connection, SwayTree& sway)
     : m_connection(connection)
     , m_sway(sway) {
     connect(&connection, &WaylandConnection::globalAdded, this, &WlrToplevels::bind);
-    connect(&connection, &WaylandConnection::globalRemoved, this,
-            [this](std::uint32_t name) { m_isFinished = m_isFinished || (m_manager && name == m_global); });
+    connect(&connection, &WaylandConnection::globalRemoved, this, &WlrToplevels::leave);
     connect(&connection, &WaylandConnection::dispatched, this, &WlrToplevels::decide);
     connect(&connection, &WaylandConnection::broken, this, [this] {
         m_isFinished = true;
+        m_leaving.reset();
         decide();
     });
 }
@@ -147,6 +156,14 @@ void WlrToplevels::bind(const WaylandGlobal& global) {
         global, zwlr_foreign_toplevel_manager_v1_interface, newestVersion));
     m_global = global.name;
     zwlr_foreign_toplevel_manager_v1_add_listener(m_manager.get(), &Listeners::manager, this);
+}
+
+void WlrToplevels::leave(std::uint32_t global) {
+    if (m_manager && global == m_global) {
+        zwlr_foreign_toplevel_manager_v1_stop(m_manager.get());
+        m_leaving = std::move(m_manager);
+        forgetAll();
+    }
 }
 
 void WlrToplevels::forgetAll() {
@@ -205,7 +222,7 @@ WlrToplevels::Toplevel* WlrToplevels::active() const {
 }
 
 std::optional<SeenWindow> WlrToplevels::front() {
-    m_connection.read();
+    m_connection.check();
     findProcess();
     return m_front ? std::optional(m_seen) : std::nullopt;
 }

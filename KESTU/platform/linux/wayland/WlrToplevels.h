@@ -42,6 +42,7 @@ private:
     using Handle = std::unique_ptr<zwlr_foreign_toplevel_handle_v1, Destroy>;
 
     void bind(const WaylandGlobal& global);
+    void leave(std::uint32_t global);
     void forgetAll();
     void decide();
     void follow(Toplevel* front);
@@ -53,6 +54,7 @@ private:
     WaylandConnection& m_connection;
     SwayTree& m_sway;
     Manager m_manager;
+    Manager m_leaving;          // told to stop; until it has, new windows may still come from it
     std::uint32_t m_global = 0; // of the manager
     bool m_isFinished = false;  // the manager will tell nothing more
     bool m_couldTell = false;
