@@ -163,9 +163,11 @@ FakeCompositor::FakeCompositor(const QString& socket, const Offer& offer)
             self.m_done.set_value();
             return 0;
         };
-        wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_wakeUp, WL_EVENT_READABLE, act, this);
+        wl_event_source* const source = wl_event_loop_add_fd(wl_display_get_event_loop(m_display), m_wakeUp,
+                                                             WL_EVENT_READABLE, act, this);
         ready.set_value();
         wl_display_run(m_display);
+        wl_event_source_remove(source);
         wl_display_destroy_clients(m_display);
         wl_display_destroy(m_display);
     });
