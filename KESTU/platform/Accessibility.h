@@ -3,6 +3,8 @@
 // Whether this system lets KESTU read the titles of other programs' windows, and how the user allows it.
 #pragma once
 
+#include "platform/Abilities.h"
+
 namespace kestu {
 
 class Accessibility {
@@ -14,6 +16,9 @@ public:
 
     /// The same, and first asks the system for all that a program may ask for.
     [[nodiscard]] virtual bool request() = 0;
+
+    /// What this session can tell, now. Answers within 0.3 seconds.
+    [[nodiscard]] virtual Abilities abilities() = 0;
 
     /// @throws PlatformError when no settings program could be started.
     virtual void openSettings() = 0;

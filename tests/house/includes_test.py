@@ -17,7 +17,8 @@ FLOORS = {
     "classify": ["base", "storage"],
     "reports": ["base", "storage", "classify"],
     "platform": ["base"],
-    "platform/linux": ["base", "platform"],
+    "platform/linux": ["base", "platform", "platform/linux/wayland"],
+    "platform/linux/wayland": ["base", "platform", "platform/linux"],
     "capture": ["base", "storage", "platform"],
     "app": ["base", "storage", "classify", "reports", "platform", "capture"],
     # The screens read records and figures; the store, the tracker and the system they never see.
@@ -34,7 +35,8 @@ FLOORS = {
 # Who may include which header of the system.
 SYSTEM = [
     (re.compile(r"sqlite3"), {"storage"}),
-    (re.compile(r"(xcb|X11|wayland|atspi|gio|glib)\b|QDBus|QtDBus"), {"platform/linux"}),
+    (re.compile(r"(xcb|X11|wayland|atspi|gio|glib)\b|QDBus|QtDBus"),
+     {"platform/linux", "platform/linux/wayland"}),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -157,7 +157,9 @@ struct FakeAccessibility final : Accessibility {
     bool grantsOnRequest = false;
     int requests = 0;
     int settingsOpened = 0;
+    Abilities able;
 
+    [[nodiscard]] Abilities abilities() override { return able; }
     [[nodiscard]] bool isGranted() override { return granted; }
     [[nodiscard]] bool request() override {
         ++requests;

@@ -3,6 +3,7 @@
 
 #include "platform/PlatformError.h"
 #include "platform/linux/AccessibilityBus.h"
+#include "platform/linux/DesktopSession.h"
 #include "platform/linux/ReaderSwitch.h"
 
 #include <QDir>
@@ -51,18 +52,29 @@ bool start(const SettingsProgram& settings) {
 
 } // namespace
 
-DesktopAccessibility::DesktopAccessibility(AccessibilityBus& bus, bool areWindowsSeen)
+DesktopAccessibility::DesktopAccessibility(AccessibilityBus& bus, DesktopSession& session)
     : m_bus(bus)
-    , m_areWindowsSeen(areWindowsSeen) {}
+    , m_session(session) {}
 
 bool DesktopAccessibility::isGranted() {
-    return m_areWindowsSeen;
+    return m_session.titles().kind == Ability::Kind::yes;
 }
 
 bool DesktopAccessibility::request() {
-    // Refused or not, the titles can be read as before: addresses are a further thing.
+    // Refused or not, titles are read as before: addresses are a further thing.
     m_bus.enable();
+    m_session.request();
     return isGranted();
+}
+
+Abilities DesktopAccessibility::abilities() {
+    const bool isBusOn = m_bus.isEnabled();
+    return {.source = m_session.source(),
+            .windows = m_session.windows(),
+            .titles = m_session.titles(),
+            .addresses = {.kind = isBusOn ? Ability::Kind::yes : Ability::Kind::no},
+            .idle = m_session.idle(),
+            .lock = {.kind = Ability::Kind::yes}};
 }
 
 void DesktopAccessibility::openSettings() {

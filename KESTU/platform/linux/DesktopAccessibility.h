@@ -9,26 +9,29 @@
 namespace kestu {
 
 class AccessibilityBus;
+class DesktopSession;
 
 class DesktopAccessibility final : public Accessibility {
 public:
-    /// `bus` must outlive this. `areWindowsSeen` does not change while a session lasts.
-    DesktopAccessibility(AccessibilityBus& bus, bool areWindowsSeen);
+    /// Both must outlive this.
+    DesktopAccessibility(AccessibilityBus& bus, DesktopSession& session);
     DesktopAccessibility(const DesktopAccessibility&) = delete;
     DesktopAccessibility& operator=(const DesktopAccessibility&) = delete;
 
     [[nodiscard]] bool isGranted() override;
 
-    /// Switches the accessibility bus on, from which the addresses in browsers come: titles need no switch
-    /// here, so the answer is that of isGranted. Takes 0.3 seconds at most.
+    /// Switches the accessibility bus on, from which the addresses in browsers come, and has the session do
+    /// what it may. Takes 0.6 seconds at most.
     [[nodiscard]] bool request() override;
+
+    [[nodiscard]] Abilities abilities() override;
 
     /// The settings of the running desktop; those of another one when only they are installed.
     void openSettings() override;
 
 private:
     AccessibilityBus& m_bus;
-    bool m_areWindowsSeen;
+    DesktopSession& m_session;
 };
 
 } // namespace kestu

@@ -190,13 +190,23 @@ HeldTypes heldByPower(const Answer& clients, InhibitorOwner& owner) {
     return displayIfNamed(clients->first().toStringList(), owner);
 }
 
+HeldTypes heldByWindow(std::optional<bool> keepsDisplayOn) {
+    if (!keepsDisplayOn) {
+        return std::nullopt;
+    }
+    QStringList types;
+    addType(types, *keepsDisplayOn, false);
+    return types;
+}
+
 } // namespace
 
 LinuxDisplayAssertions::LinuxDisplayAssertions(const QDBusConnection& systemBus,
-                                               const QDBusConnection& sessionBus, QString procRoot,
-                                               ApplicationIds::EntrySource entries)
+                                               const QDBusConnection& sessionBus, OfSession ofSession,
+                                               QString procRoot, ApplicationIds::EntrySource entries)
     : m_systemBus(systemBus)
     , m_sessionBus(sessionBus)
+    , m_ofSession(std::move(ofSession))
     , m_procRoot(std::move(procRoot))
     , m_entries(std::move(entries)) {}
 
@@ -210,6 +220,7 @@ std::optional<QStringList> LinuxDisplayAssertions::heldBy(const FrontmostApplica
         heldAtLogin(answerOf(lists.atLogin), owner),
         heldByPolicy(answerOf(lists.policies), answerOf(lists.hasScreenPolicy), owner),
         heldByPower(answerOf(lists.atPower), owner),
+        heldByWindow(m_ofSession ? m_ofSession(application, deadline) : std::nullopt),
     };
     HeldTypes held;
     for (const HeldTypes& types : all) {

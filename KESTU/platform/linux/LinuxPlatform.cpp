@@ -11,9 +11,9 @@
 #include "platform/linux/LinuxDisplayAssertions.h"
 #include "platform/linux/LinuxSystemEvents.h"
 #include "platform/linux/PackageKitUpdates.h"
-#include "platform/linux/X11Desktop.h"
-#include "platform/linux/X11DisplayPower.h"
-#include "platform/linux/X11Input.h"
+#include "platform/linux/Unknown.h"
+#include "platform/linux/X11Session.h"
+#include "platform/linux/wayland/WaylandSession.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -22,10 +22,18 @@ namespace kestu {
 namespace {
 
 /// A session whose windows cannot be seen: nothing is in front, and so nothing wrong is recorded.
-class UnseenDesktop final : public Workspace {
+class UnseenSession final : public DesktopSession, Workspace {
 public:
-    explicit UnseenDesktop(QString why)
+    explicit UnseenSession(QString why)
         : m_why(std::move(why)) {}
+
+    [[nodiscard]] Workspace& workspace() override { return *this; }
+    [[nodiscard]] UserInput& userInput() override { return m_input; }
+    [[nodiscard]] DisplayPower& displayPower() override { return m_displayPower; }
+    [[nodiscard]] QString source() const override { return {}; }
+    [[nodiscard]] Ability windows() override { return {.kind = Ability::Kind::no, .note = m_why}; }
+    [[nodiscard]] Ability titles() override { return windows(); }
+    [[nodiscard]] Ability idle() override { return {}; }
 
     [[nodiscard]] QString whyUnseen() override { return m_why; }
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override { return std::nullopt; }
@@ -33,16 +41,8 @@ public:
 
 private:
     QString m_why;
-};
-
-class UnseenInput final : public UserInput {
-public:
-    [[nodiscard]] Seconds secondsSinceLastInput() override { return Seconds{0}; }
-};
-
-class UnknownDisplayPower final : public DisplayPower {
-public:
-    [[nodiscard]] State state() override { return State::unknown; }
+    UnknownInput m_input;
+    UnknownDisplayPower m_displayPower;
 };
 
 bool isWaylandSession() {
@@ -51,29 +51,43 @@ bool isWaylandSession() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+std::unique_ptr<DesktopSession> openSession(DesktopSession::IsHeld isHeld) {
+    if (isWaylandSession()) {
+        return std::make_unique<WaylandSession>(QDBusConnection::sessionBus(), std::move(isHeld));
+    }
+    QString why;
+    if (auto session = X11Session::open(std::move(isHeld), why)) {
+        return session;
+    }
+    return std::make_unique<UnseenSession>(why);
+}
+
 class LinuxPlatform final : public Platform {
 public:
-    /// The connections are absent where the session's windows cannot be seen; `whyUnseen` says why then.
-    LinuxPlatform(std::unique_ptr<Xcb> forEvents, std::unique_ptr<Xcb> forQuestions, const QString& whyUnseen)
-        : m_forEvents(std::move(forEvents))
-        , m_forQuestions(std::move(forQuestions))
-        , m_displayPower(makeDisplayPower())
-        , m_systemEvents(QDBusConnection::systemBus(), QDBusConnection::sessionBus(), *m_displayPower)
-        , m_workspace(makeWorkspace(whyUnseen))
-        , m_userInput(makeUserInput())
-        , m_displayAssertions(QDBusConnection::systemBus(), QDBusConnection::sessionBus())
+    LinuxPlatform()
+        : m_session(openSession([this] { return m_systemEvents.isHeld(); })) // asked later
+        , m_systemEvents(QDBusConnection::systemBus(), QDBusConnection::sessionBus(),
+                         m_session->displayPower())
+        , m_displayAssertions(QDBusConnection::systemBus(), QDBusConnection::sessionBus(),
+                              [this](const FrontmostApplication& front, const QDeadlineTimer& deadline) {
+                                  return m_session->keepsDisplayOn(front, deadline);
+                              })
         , m_accessibilityBus(QDBusConnection::sessionBus())
         , m_browserAddress(m_accessibilityBus)
         , m_settings(userSettingsPath())
         , m_loginItem(userAutostartFolder(), QCoreApplication::applicationFilePath())
-        , m_accessibility(m_accessibilityBus, m_forEvents != nullptr)
+        , m_accessibility(m_accessibilityBus, *m_session)
         , m_softwareUpdates(QDBusConnection::systemBus())
-        , m_appearance(
-              QDBusConnection::sessionBus(), [this] { return connectAgain(); }, toolkitSettingsFiles()) {}
+        , m_appearance(QDBusConnection::sessionBus(), connectForAppearance, toolkitSettingsFiles()) {
+        QObject::connect(m_session.get(), &DesktopSession::activated, &m_systemEvents,
+                         &LinuxSystemEvents::noteActivation);
+        QObject::connect(m_session.get(), &DesktopSession::titleChanged, &m_systemEvents,
+                         &LinuxSystemEvents::noteTitle);
+    }
 
-    [[nodiscard]] Workspace& workspace() override { return *m_workspace; }
+    [[nodiscard]] Workspace& workspace() override { return m_session->workspace(); }
     [[nodiscard]] BrowserScripting& browserScripting() override { return m_browserAddress; }
-    [[nodiscard]] UserInput& userInput() override { return *m_userInput; }
+    [[nodiscard]] UserInput& userInput() override { return m_session->userInput(); }
     [[nodiscard]] DisplayAssertions& displayAssertions() override { return m_displayAssertions; }
     [[nodiscard]] SystemEvents& systemEvents() override { return m_systemEvents; }
     [[nodiscard]] SettingsStore& settingsStore() override { return m_settings; }
@@ -84,44 +98,13 @@ public:
     [[nodiscard]] Appearance& appearance() override { return m_appearance; }
 
 private:
-    [[nodiscard]] std::unique_ptr<Xcb> connectAgain() const {
+    static std::unique_ptr<Xcb> connectForAppearance() {
         QString why;
-        return m_forEvents ? Xcb::connect(why) : nullptr;
+        return isWaylandSession() ? nullptr : Xcb::connect(why);
     }
 
-    [[nodiscard]] std::unique_ptr<DisplayPower> makeDisplayPower() const {
-        if (!m_forQuestions) {
-            return std::make_unique<UnknownDisplayPower>();
-        }
-        return std::make_unique<X11DisplayPower>(*m_forQuestions);
-    }
-
-    [[nodiscard]] std::unique_ptr<Workspace> makeWorkspace(const QString& whyUnseen) {
-        if (!m_forEvents) {
-            return std::make_unique<UnseenDesktop>(whyUnseen);
-        }
-        auto desktop = std::make_unique<X11Desktop>(*m_forEvents, [this] { return m_systemEvents.isHeld(); });
-        QObject::connect(desktop.get(), &X11Desktop::activeWindowChanged, &m_systemEvents,
-                         &LinuxSystemEvents::noteActivation);
-        QObject::connect(desktop.get(), &X11Desktop::titleChanged, &m_systemEvents,
-                         &LinuxSystemEvents::noteTitle);
-        return desktop;
-    }
-
-    [[nodiscard]] std::unique_ptr<UserInput> makeUserInput() const {
-        if (!m_forQuestions) {
-            return std::make_unique<UnseenInput>();
-        }
-        return std::make_unique<X11Input>(*m_forQuestions);
-    }
-
-    // Two connections, because the reply to a question takes events off the wire that nobody then sees.
-    std::unique_ptr<Xcb> m_forEvents;
-    std::unique_ptr<Xcb> m_forQuestions;
-    std::unique_ptr<DisplayPower> m_displayPower;
+    std::unique_ptr<DesktopSession> m_session;
     LinuxSystemEvents m_systemEvents;
-    std::unique_ptr<Workspace> m_workspace;
-    std::unique_ptr<UserInput> m_userInput;
     LinuxDisplayAssertions m_displayAssertions;
     AccessibilityBus m_accessibilityBus;
     BrowserAddress m_browserAddress;
@@ -141,20 +124,9 @@ bool isDisplayReachable() {
 }
 
 LinuxPlatformStart startLinuxPlatform() {
-    QString why;
-    std::unique_ptr<Xcb> forEvents;
-    std::unique_ptr<Xcb> forQuestions;
-    if (isWaylandSession()) {
-        why = QStringLiteral("Wayland のセッションではウィンドウを見ることができないため、記録されません。"
-                             "X11 のセッションでお使いください。");
-    } else if ((forEvents = Xcb::connect(why))) {
-        forQuestions = Xcb::connect(why);
-    }
-    if (!forQuestions) {
-        forEvents.reset();
-    }
-    auto platform = std::make_unique<LinuxPlatform>(std::move(forEvents), std::move(forQuestions), why);
-    return {.platform = std::move(platform), .warning = why};
+    auto platform = std::make_unique<LinuxPlatform>();
+    QString warning = platform->workspace().whyUnseen();
+    return {.platform = std::move(platform), .warning = std::move(warning)};
 }
 
 } // namespace kestu

@@ -16,7 +16,10 @@ LinuxSystemEvents::LinuxSystemEvents(const QDBusConnection& systemBus, const QDB
     connect(&m_displayTimer, &QTimer::timeout, this, [this] { noteDisplays(m_displayPower.state()); });
 
     const DisplayPower::State displays = m_displayPower.state();
-    if (displays != DisplayPower::State::unknown) {
+    if (m_displayPower.tellsChanges()) {
+        connect(&m_displayPower, &DisplayPower::changed, this,
+                [this] { noteDisplays(m_displayPower.state()); });
+    } else if (displays != DisplayPower::State::unknown) {
         m_displayTimer.start(displayInterval);
     }
     // Nobody can listen yet, so what holds already is only remembered.

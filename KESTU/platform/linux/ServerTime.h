@@ -3,14 +3,11 @@
 // When something happened, by the X server's clock: the time of an event stays true when it is read late.
 #pragma once
 
+#include "base/Moment.h"
+
 #include <xcb/xproto.h>
 
-#include <chrono>
-
 namespace kestu {
-
-/// By a clock that nobody sets (CLOCK_MONOTONIC).
-using Moment = std::chrono::steady_clock::time_point;
 
 /// The time in an event: milliseconds of the same clock when the server runs here. `now` where it lies in
 /// the future or more than ten seconds back, since it is another clock's then.

@@ -3,7 +3,9 @@
 
 #include "platform/PlatformError.h"
 #include "platform/linux/AccessibilityBus.h"
+#include "platform/linux/DesktopSession.h"
 #include "platform/linux/ReaderSwitch.h"
+#include "platform/linux/Unknown.h"
 #include "support/Files.h"
 #include "support/MockObject.h"
 #include "support/PrivateBus.h"
@@ -62,6 +64,25 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// All can be seen, and nothing is there.
+class SeenSession final : public DesktopSession, Workspace {
+public:
+    Workspace& workspace() override { return *this; }
+    UserInput& userInput() override { return m_input; }
+    DisplayPower& displayPower() override { return m_displayPower; }
+    QString source() const override { return u"test"_s; }
+    Ability windows() override { return {.kind = Ability::Kind::yes}; }
+    Ability titles() override { return windows(); }
+    Ability idle() override { return windows(); }
+    QString whyUnseen() override { return {}; }
+    std::optional<FrontmostApplication> frontmostApplication() override { return std::nullopt; }
+    QString focusedWindowTitle(std::int64_t) override { return {}; }
+
+private:
+    UnknownInput m_input;
+    UnknownDisplayPower m_displayPower;
+};
+
 TEST(DesktopAccessibilityTest, OpensTheSettingsOfTheRunningDesktopOrOfAnyOther) {
     struct Case {
         QString desktop;
@@ -72,7 +93,8 @@ TEST(DesktopAccessibilityTest, OpensTheSettingsOfTheRunningDesktopOrOfAnyOther) 
                               u"mate-at-properties"_s, u"xfce4-accessibility-settings"_s};
     test::PrivateBus session;
     AccessibilityBus bus(session.connect());
-    DesktopAccessibility accessibility(bus, true);
+    SeenSession seen;
+    DesktopAccessibility accessibility(bus, seen);
     offerWindowsToReaders(); // which is not meant for other programs
     for (const Case& each : {
              Case{u"ubuntu:GNOME"_s, several, u"gnome-control-center:universal-access"_s},
@@ -107,7 +129,8 @@ TEST(DesktopAccessibilityTest, SwitchesTheBusOnOnlyWhenAskedTo) {
     desk.call(u"org.freedesktop.DBus.Mock"_s, u"AddProperty"_s,
               {u"org.a11y.Status"_s, u"IsEnabled"_s, QVariant::fromValue(QDBusVariant(false))});
     AccessibilityBus bus(session.connect());
-    DesktopAccessibility accessibility(bus, true);
+    SeenSession seen;
+    DesktopAccessibility accessibility(bus, seen);
     EXPECT_TRUE(accessibility.isGranted());
     EXPECT_FALSE(bus.isEnabled());
     EXPECT_TRUE(accessibility.request());

@@ -123,7 +123,11 @@ protected:
     }
 
     std::optional<QStringList> heldBy(const FrontmostApplication& application) {
-        return LinuxDisplayAssertions(m_connection, m_connection, m_proc.path(), entries).heldBy(application);
+        return LinuxDisplayAssertions(
+                   m_connection, m_connection,
+                   [this](const FrontmostApplication&, const QDeadlineTimer&) { return m_ofSession; },
+                   m_proc.path(), entries)
+            .heldBy(application);
     }
 
     static FrontmostApplication front(const QString& bundleId, std::int64_t processId) {
@@ -132,6 +136,7 @@ protected:
 
     const FrontmostApplication m_player{
         .bundleId = u"org.example.Player"_s, .localizedName = u"Player"_s, .processId = 100};
+    std::optional<bool> m_ofSession; // what it says of the window in front
     QTemporaryDir m_proc;
     test::PrivateBus m_bus;
     QDBusConnection m_connection = m_bus.connect();
@@ -242,7 +247,7 @@ TEST_F(LinuxDisplayAssertionsTest, TellsRealProcessesOfAProgramFromTheCommandsTh
     startServices();
     for (const auto& row : rows) {
         setLoginInhibitors(u"[('idle', 'block', %1)]"_s.arg(row.inhibitor).toUtf8());
-        LinuxDisplayAssertions assertions(m_connection, m_connection, u"/proc"_s, entries);
+        LinuxDisplayAssertions assertions(m_connection, m_connection, {}, u"/proc"_s, entries);
         EXPECT_EQ(assertions.heldBy(front(u"any"_s, row.front)), row.held)
             << row.inhibitor << ' ' << row.front;
     }
@@ -284,6 +289,11 @@ TEST_F(LinuxDisplayAssertionsTest, CannotTellWithoutAnyListAndMergesTwo) {
     EXPECT_EQ(heldBy(m_player), std::nullopt);
     startServices();
     EXPECT_EQ(heldBy(m_player), std::nullopt) << "neither can list";
+    m_ofSession = false;
+    EXPECT_EQ(heldBy(m_player), none) << "the session knows that it holds nothing";
+    m_ofSession = true;
+    EXPECT_EQ(heldBy(m_player), display);
+    m_ofSession.reset();
     setLoginInhibitors("[('idle', 'block', 100)]");
     setSessionInhibitor(*m_player.bundleId, 8);
     EXPECT_EQ(heldBy(m_player), display);

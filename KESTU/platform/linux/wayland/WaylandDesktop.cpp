@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/wayland/WaylandDesktop.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <utility>
+
+namespace kestu {
+namespace {
+
+bool canTell(const WindowSource& source) {
+    const Ability::Kind kind = source.ability().kind;
+    return kind == Ability::Kind::yes || kind == Ability::Kind::partly;
+}
+
+std::optional<Seconds> age(std::optional<Moment> since) {
+    return since ? std::optional<Seconds>(Moment::clock::now() - *since) : std::nullopt;
+}
+
+} // namespace
+
+WaylandDesktop::WaylandDesktop(std::vector<std::unique_ptr<WindowSource>> sources,
+                               std::function<bool()> isHeld, ApplicationIds::EntrySource entries)
+    : m_sources(std::move(sources))
+    , m_isHeld(std::move(isHeld))
+    , m_ids(std::move(entries)) {
+    for (const auto& source : m_sources) {
+        connect(source.get(), &WindowSource::abilityChanged, this, [this] {
+            choose();
+            Q_EMIT abilitiesChanged();
+        });
+        connect(source.get(), &WindowSource::frontChanged, this, [this, told = source.get()] {
+            if (told == m_source) {
+                Q_EMIT activated();
+            }
+        });
+        connect(source.get(), &WindowSource::titleChanged, this, [this, told = source.get()] {
+            if (told == m_source) {
+                Q_EMIT titleChanged();
+            }
+        });
+    }
+    choose();
+}
+
+void WaylandDesktop::choose() {
+    const auto found = std::ranges::find_if(m_sources, [](const auto& source) { return canTell(*source); });
+    WindowSource* chosen = found == m_sources.end() ? nullptr : found->get();
+    if (std::exchange(m_source, chosen) != chosen) {
+        Q_EMIT activated();
+    }
+}
+
+Ability WaylandDesktop::windows() const {
+    if (m_source) {
+        return m_source->ability();
+    }
+    const auto helpful =
+        std::ranges::find_if(m_sources, [](const auto& source) { return !source->ability().note.isEmpty(); });
+    return helpful == m_sources.end() ? Ability{} : (*helpful)->ability();
+}
+
+Ability WaylandDesktop::titles() const {
+    return m_source ? m_source->titles() : windows();
+}
+
+void WaylandDesktop::request() {
+    for (const auto& source : m_sources) {
+        if (source->ability().kind != Ability::Kind::yes) {
+            source->request();
+        }
+    }
+}
+
+QString WaylandDesktop::whyUnseen() {
+    if (m_source) {
+        return {};
+    }
+    const QString note = windows().note;
+    return note.isEmpty()
+               ? QStringLiteral("このデスクトップは手前のウィンドウを知らせないため、記録されません。")
+               : note;
+}
+
+std::optional<FrontmostApplication> WaylandDesktop::frontmostApplication() {
+    m_front = m_source && !m_isHeld() ? m_source->front() : std::nullopt;
+    if (!m_front) {
+        return std::nullopt;
+    }
+    const ApplicationIdentity identity = m_ids.of(m_front->facts);
+    const std::int64_t processId = m_front->facts.processId;
+    const bool isAlive = processId > 0 && (::kill(static_cast<pid_t>(processId), 0) == 0 || errno == EPERM);
+    if (!identity.bundleId && !isAlive) {
+        return std::nullopt; // nothing to call it by
+    }
+    return FrontmostApplication{.bundleId = identity.bundleId,
+                                .localizedName = identity.localizedName,
+                                .processId = processId,
+                                .inFrontFor = age(m_front->since),
+                                .titledFor = age(m_front->titledSince)};
+}
+
+QString WaylandDesktop::focusedWindowTitle(std::int64_t processId) {
+    return m_front && m_front->facts.processId == processId ? m_front->title : QString();
+}
+
+} // namespace kestu
