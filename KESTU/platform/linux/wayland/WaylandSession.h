@@ -31,6 +31,7 @@ private:
     WaylandDesktop m_desktop;
     std::unique_ptr<UserInput> m_input;
     std::unique_ptr<DisplayPower> m_displayPower;
+    Ability m_idle;
 };
 
 } // namespace kestu
