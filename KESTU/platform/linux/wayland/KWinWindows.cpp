@@ -110,6 +110,8 @@ Ability KWinWindows::ability() const {
     case State::starting:
     case State::telling:
         return {.kind = Ability::Kind::yes};
+    case State::unwritten:
+        return {.note = m_whyUnwritten};
     case State::refused:
         return {.note = QStringLiteral("KWin が KESTU のスクリプトを受け付けないため、記録されません。"
                                        "ログインし直してください。")};
@@ -121,7 +123,7 @@ Ability KWinWindows::ability() const {
 }
 
 void KWinWindows::request() {
-    if (m_state == State::refused || m_state == State::silent) {
+    if (ability().kind != Ability::Kind::yes && m_state != State::absent) {
         load();
     }
 }
@@ -143,9 +145,11 @@ void KWinWindows::load() {
     unloadStrays();
     const QString number = m_bus.baseService();
     try {
-        replaceUserFile(fileOf(number), kwinScript::source(number), QStringLiteral("cannot be written"));
-    } catch (const PlatformError&) {
-        become(State::refused); // nothing to load
+        replaceUserFile(fileOf(number), kwinScript::source(number),
+                        QStringLiteral("KWin に渡すスクリプトを書き込めないため、記録されません"));
+    } catch (const PlatformError& error) {
+        m_whyUnwritten = error.description() + u'。';
+        become(State::unwritten);
         return;
     }
     askKWin(scripting(QStringLiteral("unloadScript")), {pluginOf(number)}, [](const auto&) {});

@@ -37,8 +37,9 @@ private:
         absent,   // no KWin
         starting, // asked, and not refused so far
         telling,
-        refused, // by KWin, or it cannot even read the script
-        silent   // it said yes and does not call
+        unwritten, // there is no place for the script's file
+        refused,   // by KWin
+        silent     // it said yes and does not call
     };
 
     class Calls final : public QDBusVirtualObject {
@@ -71,6 +72,7 @@ private:
     WindowNews m_news;
     Calls m_calls;
     State m_state = State::absent;
+    QString m_whyUnwritten;
     int m_round = 0; // of loading; answers of earlier ones mean nothing
     QTimer m_patience;
 };
