@@ -20,7 +20,7 @@ const INTERFACE = `
     <property name="Version" type="u" access="read"/>
   </interface>
 </node>`;
-const CHANGES = ['notify::title', 'notify::wm-class', 'notify::gtk-application-id'];
+const CHANGES = ['notify::title', 'notify::wm-class', 'notify::gtk-application-id', 'notify::fullscreen'];
 
 class FocusedWindow {
     constructor() {
@@ -83,6 +83,7 @@ class FocusedWindow {
             class: text(window.get_wm_class()), // of a Wayland window its app_id
             instance: text(window.get_wm_class_instance()),
             isDesktop: new GLib.Variant('b', window.get_window_type() === Meta.WindowType.DESKTOP),
+            isFullscreen: new GLib.Variant('b', window.is_fullscreen()),
             title: text(window.get_title()),
             at: new GLib.Variant('x', GLib.get_monotonic_time()),
         };

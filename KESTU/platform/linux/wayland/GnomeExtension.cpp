@@ -91,7 +91,7 @@ GnomeExtension::GnomeExtension(const QDBusConnection& sessionBus,
     listen(shellPath, propertiesInterface, QStringLiteral("PropertiesChanged"),
            SLOT(onPropertiesChanged(QDBusMessage)));
     connect(&m_shell, &BusOwner::changed, this, [this] {
-        m_info.clear();
+        m_info.reset();
         m_isLocked = false;
         askLater();
         Q_EMIT changed();
@@ -186,10 +186,13 @@ GnomeExtension::State GnomeExtension::state() const {
     if (shell().isEmpty()) {
         return State::noShell;
     }
-    if (m_info.isEmpty()) {
+    if (!m_info) {
+        return State::starting;
+    }
+    if (m_info->isEmpty()) {
         return stateOfUnknown();
     }
-    const int state = m_info.value(QStringLiteral("state")).toInt();
+    const int state = m_info->value(QStringLiteral("state")).toInt();
     if (state == stateOutOfDate) {
         return State::outdated;
     }

@@ -15,6 +15,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kestu {
@@ -33,7 +34,7 @@ public:
         allOff,       // the user lets no extension run
         outdated,     // not made for this shell
         failed,       // the shell could not run it
-        starting,     // switched on, and should run at any moment
+        starting,     // switched on, and should run at any moment; or the shell has not said anything yet
         resting,      // switched on; while the screen is locked no extension runs
         active
     };
@@ -85,7 +86,8 @@ private:
     std::unique_ptr<GnomeShellSettings> m_settings;
     QStringList m_folders;
     BusOwner m_shell;
-    QVariantMap m_info; // of the extension, as the shell knows it; empty when it does not
+    // Of the extension, as the shell knows it; empty when it does not, and absent until it has said.
+    std::optional<QVariantMap> m_info;
     QString m_shellVersion;
     bool m_isLocked = false;
 };

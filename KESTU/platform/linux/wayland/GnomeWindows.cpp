@@ -21,9 +21,6 @@ const QString path = QStringLiteral("/jp/kestu/FocusedWindow");
 
 constexpr uint knownVersion = 1;
 
-// From a login, an unlocked screen or 許可する until the extension tells.
-constexpr auto patience = 3s;
-
 /// Nothing for a value of another type: whoever sends it is not our extension.
 template<typename T>
 T valueIn(const QVariantMap& window, const QString& key) {
@@ -60,7 +57,7 @@ WindowFacts factsIn(const QVariantMap& window) {
 } // namespace
 
 GnomeWindows::GnomeWindows(const QDBusConnection& sessionBus, std::unique_ptr<GnomeShellSettings> settings,
-                           QStringList extensionFolders)
+                           QStringList extensionFolders, std::chrono::milliseconds patience)
     : m_bus(sessionBus)
     , m_extension(m_bus, std::move(settings), std::move(extensionFolders))
     , m_owner(m_bus, service) {
@@ -175,6 +172,7 @@ void GnomeWindows::take(const QVariant& told) {
     m_news.take(ToldWindow{.key = QString::number(id),
                            .facts = factsIn(window),
                            .title = valueIn<QString>(window, QStringLiteral("title")),
+                           .isFullscreen = valueIn<bool>(window, QStringLiteral("isFullscreen")),
                            .at = momentIn(window)});
 }
 

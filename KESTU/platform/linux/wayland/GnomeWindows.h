@@ -12,15 +12,20 @@
 #include <QDBusMessage>
 #include <QTimer>
 
+#include <chrono>
+#include <memory>
+#include <optional>
+
 namespace kestu {
 
 class GnomeWindows final : public WindowSource {
     Q_OBJECT
 
 public:
-    /// The arguments are GnomeExtension's. Takes 0.3 seconds at most.
+    /// The first arguments are GnomeExtension's. `patience` is for an extension that should tell and does not
+    /// yet. Takes 0.4 seconds at most.
     GnomeWindows(const QDBusConnection& sessionBus, std::unique_ptr<GnomeShellSettings> settings,
-                 QStringList extensionFolders);
+                 QStringList extensionFolders, std::chrono::milliseconds patience = std::chrono::seconds(3));
 
     [[nodiscard]] QString name() const override { return QStringLiteral("GNOME Shell"); }
     [[nodiscard]] Ability ability() const override;
@@ -39,7 +44,6 @@ private:
     };
 
     void follow();
-    void await();
     void askForWindow();
     void become(State state);
     void noteAbility();

@@ -28,9 +28,6 @@ const QString service = QStringLiteral("org.kde.KWin");
 const QString filePrefix = QStringLiteral("kestu-kwin-");
 const QString fileSuffix = QStringLiteral(".js");
 
-// A script that runs calls at once; a desktop that is just starting takes its time.
-constexpr auto patience = 3s;
-
 // Calls wait while we do something else, but never for so long.
 constexpr auto longestWay = 10s;
 
@@ -77,7 +74,8 @@ bool isOwnPanel(const QJsonObject& window) {
 
 } // namespace
 
-KWinWindows::KWinWindows(const QDBusConnection& sessionBus, QString folder, QString procRoot)
+KWinWindows::KWinWindows(const QDBusConnection& sessionBus, QString folder,
+                         std::chrono::milliseconds patience, QString procRoot)
     : m_bus(sessionBus)
     , m_folder(std::move(folder))
     , m_procRoot(std::move(procRoot))

@@ -13,15 +13,20 @@
 #include <QDBusVirtualObject>
 #include <QTimer>
 
+#include <chrono>
+#include <functional>
+#include <optional>
+
 namespace kestu {
 
 class KWinWindows final : public WindowSource {
     Q_OBJECT
 
 public:
-    /// `folder` is the user's own and gone with his session; the script's file lies there. Takes 0.3 seconds
-    /// at most.
+    /// `folder` is the user's own and gone with his session; the script's file lies there. `patience` is for
+    /// a script that should call and does not yet. Takes 0.3 seconds at most.
     KWinWindows(const QDBusConnection& sessionBus, QString folder,
+                std::chrono::milliseconds patience = std::chrono::seconds(3),
                 QString procRoot = QStringLiteral("/proc"));
     ~KWinWindows() override;
 

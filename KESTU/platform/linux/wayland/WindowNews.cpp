@@ -56,10 +56,15 @@ void WindowNews::follow(const ToldWindow& told) {
     const Moment at = std::clamp(told.at, m_begin, std::max(m_begin, Moment::clock::now()));
     if (!m_front || m_key != told.key) {
         m_key = told.key;
-        m_front = SeenWindow{.facts = told.facts, .title = told.title, .since = at, .titledSince = at};
+        m_front = SeenWindow{.facts = told.facts,
+                             .title = told.title,
+                             .since = at,
+                             .titledSince = at,
+                             .isFullscreen = told.isFullscreen};
         m_hasNewFront = true;
     } else {
         m_front->facts = told.facts;
+        m_front->isFullscreen = told.isFullscreen;
         if (std::exchange(m_front->title, told.title) == told.title) {
             return;
         }

@@ -19,6 +19,7 @@ struct ToldWindow {
     QString key; // tells one window from another for as long as it lives
     WindowFacts facts{};
     QString title{};
+    bool isFullscreen = false;
     Moment at{}; // when it came to the front, or got this title
 };
 

@@ -3,6 +3,7 @@
 
 #include "support/Files.h"
 
+#include <QDBusPendingCall>
 #include <QDateTime>
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -113,6 +113,7 @@ QVariantMap FakeShell::window(qulonglong id, const QString& title) {
             {u"class"_s, u"org.example.Editor"_s},
             {u"instance"_s, u"org.example.Editor"_s},
             {u"isDesktop"_s, false},
+            {u"isFullscreen"_s, false},
             {u"title"_s, title},
             {u"at"_s, qlonglong(std::chrono::duration_cast<std::chrono::microseconds>(now).count())}};
 }

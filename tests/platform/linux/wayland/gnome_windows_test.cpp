@@ -34,7 +34,8 @@ protected:
     }
 
     std::unique_ptr<GnomeWindows> watch() {
-        return std::make_unique<GnomeWindows>(m_bus.connect(), settings(), QStringList{m_folder.path()});
+        return std::make_unique<GnomeWindows>(m_bus.connect(), settings(), QStringList{m_folder.path()},
+                                              400ms);
     }
 
     void install(const QByteArray& shellVersions) const {
@@ -67,6 +68,10 @@ TEST_F(GnomeWindowsTest, TellsTheFocusedWindowAndItsTitles) {
     shell.tell(FakeShell::window(2, u"other window"_s));
     EXPECT_TRUE(waitUntil([&] { return fronts.count() == 1; }));
     EXPECT_EQ(windows->front()->title, u"other window");
+    QVariantMap film = FakeShell::window(2, u"other window"_s);
+    film[u"isFullscreen"_s] = true;
+    shell.tell(film);
+    EXPECT_TRUE(waitUntil([&] { return windows->front()->isFullscreen; }));
     shell.tell(QVariantMap());
     EXPECT_TRUE(waitUntil([&] { return !windows->front(); }));
 }
@@ -79,7 +84,7 @@ TEST_F(GnomeWindowsTest, TakesALockedScreenForNothingMissing) {
     const QSignalSpy abilities(windows.get(), &WindowSource::abilityChanged);
     shell.lock(true);
     EXPECT_TRUE(waitUntil([&] { return !windows->front(); }));
-    EXPECT_FALSE(waitUntil([&] { return windows->ability().kind != Kind::yes; }, 3500));
+    EXPECT_FALSE(waitUntil([&] { return windows->ability().kind != Kind::yes; }, 600));
     shell.lock(false);
     EXPECT_TRUE(titleBecomes(*windows, u"A"_s));
     EXPECT_EQ(abilities.count(), 0);
@@ -156,8 +161,8 @@ TEST_F(GnomeWindowsTest, ReadsALieAsNothing) {
 
 TEST_F(GnomeWindowsTest, IsNotHurtByAFlood) {
     FakeShell shell(m_bus.connect(), m_settings, FakeShell::active);
+    shell.setWindow(FakeShell::window(1, u"first"_s));
     const auto windows = watch();
-    shell.tell(FakeShell::window(1, u"first"_s));
     ASSERT_TRUE(titleBecomes(*windows, u"first"_s));
     const QSignalSpy fronts(windows.get(), &WindowSource::frontChanged);
     constexpr int signalsToSend = 2000;

@@ -24,7 +24,7 @@ using Temper = FakeKWin::Temper;
 class KWinWindowsTest : public testing::Test {
 protected:
     std::unique_ptr<KWinWindows> watch() {
-        return std::make_unique<KWinWindows>(m_bus.connect(), m_folder.path());
+        return std::make_unique<KWinWindows>(m_bus.connect(), m_folder.path(), 400ms);
     }
 
     static bool titleBecomes(KWinWindows& windows, const QString& title) {
