@@ -28,6 +28,8 @@ const QString service = QStringLiteral("org.kde.KWin");
 const QString filePrefix = QStringLiteral("kestu-kwin-");
 const QString fileSuffix = QStringLiteral(".js");
 
+constexpr auto untilNextTry = 250ms;
+
 // Calls wait while we do something else, but never for so long.
 constexpr auto longestWay = 10s;
 
@@ -86,6 +88,13 @@ KWinWindows::KWinWindows(const QDBusConnection& sessionBus, QString folder,
     m_patience.setSingleShot(true);
     m_patience.setInterval(patience);
     connect(&m_patience, &QTimer::timeout, this, [this] { become(State::silent); });
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(untilNextTry);
+    connect(&m_pause, &QTimer::timeout, this, [this] {
+        if (m_state == State::starting) {
+            loadFile();
+        }
+    });
     m_bus.registerVirtualObject(kwinScript::path.toString(), &m_calls);
     connect(&m_kwin, &BusOwner::changed, this, &KWinWindows::follow);
     follow();
@@ -138,6 +147,7 @@ void KWinWindows::follow() {
 
 void KWinWindows::load() {
     ++m_round;
+    m_pause.stop();
     m_news.begin();
     become(State::starting);
     unloadStrays();
@@ -151,14 +161,22 @@ void KWinWindows::load() {
         return;
     }
     askKWin(scripting(QStringLiteral("unloadScript")), {pluginOf(number)}, [](const auto&) {});
+    loadFile();
+}
+
+/// A KWin that starts has its name before it can take scripts.
+void KWinWindows::loadFile() {
+    const QString number = m_bus.baseService();
     askKWin(scripting(QStringLiteral("loadScript")), {fileOf(number), pluginOf(number)},
             [this](const std::optional<QVariantList>& answer) {
                 const int id = answer ? answer->value(0, -1).toInt() : -1;
-                if (id < 0) {
+                if (!answer && m_state == State::starting) {
+                    m_pause.start();
+                } else if (id < 0) {
                     become(State::refused);
-                    return;
+                } else {
+                    run(QStringLiteral("/Scripting/Script%1").arg(id), QStringLiteral("/%1").arg(id));
                 }
-                run(QStringLiteral("/Scripting/Script%1").arg(id), QStringLiteral("/%1").arg(id));
             });
 }
 

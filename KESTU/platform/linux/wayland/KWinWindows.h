@@ -26,7 +26,7 @@ public:
     /// `folder` is the user's own and gone with his session; the script's file lies there. `patience` is for
     /// a script that should call and does not yet. Takes 0.3 seconds at most.
     KWinWindows(const QDBusConnection& sessionBus, QString folder,
-                std::chrono::milliseconds patience = std::chrono::seconds(3),
+                std::chrono::milliseconds patience = std::chrono::seconds(10),
                 QString procRoot = QStringLiteral("/proc"));
     ~KWinWindows() override;
 
@@ -60,6 +60,7 @@ private:
 
     void follow();
     void load();
+    void loadFile();
     void unloadStrays();
     void run(const QString& scriptPath, const QString& otherPath);
     void checkLoaded();
@@ -80,6 +81,7 @@ private:
     QString m_whyUnwritten;
     int m_round = 0; // of loading; answers of earlier ones mean nothing
     QTimer m_patience;
+    QTimer m_pause; // until a KWin that could not take the script is asked again
 };
 
 } // namespace kestu

@@ -48,6 +48,9 @@ bool FakeKWin::handleMessage(const QDBusMessage& message, const QDBusConnection&
 
 QDBusMessage FakeKWin::answer(const QDBusMessage& message) {
     const QString plugin = message.arguments().isEmpty() ? QString() : message.arguments().last().toString();
+    if (m_temper == Temper::isStarting) {
+        return message.createErrorReply(u"org.freedesktop.DBus.Error.UnknownObject"_s, u"not yet"_s);
+    }
     if (message.path() != u"/Scripting") {
         return run(message);
     }

@@ -14,7 +14,7 @@ namespace kestu::test {
 
 class FakeKWin final : public QDBusVirtualObject {
 public:
-    enum class Temper { willing, refusesToLoad, cannotRun, dropsAtRun, neverAnswers };
+    enum class Temper { willing, isStarting, refusesToLoad, cannotRun, dropsAtRun, neverAnswers };
 
     FakeKWin(QDBusConnection bus, int plasma, Temper temper = Temper::willing);
     ~FakeKWin() override;
@@ -30,6 +30,8 @@ public:
 
     /// As left behind by a copy of KESTU that has crashed.
     void leave(const QString& plugin) { m_running.insert(plugin, {}); }
+
+    void setTemper(Temper temper) { m_temper = temper; }
 
     /// Every running script calls.
     void tell(const QByteArray& json);

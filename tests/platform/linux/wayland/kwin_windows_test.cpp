@@ -85,6 +85,16 @@ TEST_F(KWinWindowsTest, LoadsTheScriptAgainInANewKWin) {
     EXPECT_EQ(abilities.count(), 2);
 }
 
+TEST_F(KWinWindowsTest, WaitsForAKWinThatHasItsNameBeforeItTakesScripts) {
+    FakeKWin kwin(m_bus.connect(), 6, Temper::isStarting);
+    const auto windows = watch();
+    ASSERT_TRUE(waitUntil([&] { return kwin.calls().filter(u"loadScript"_s).size() == 1; }));
+    kwin.setTemper(Temper::willing);
+    ASSERT_TRUE(runsScript(kwin));
+    kwin.tell(FakeKWin::window(u"{1}"_s, u"seen"_s));
+    EXPECT_TRUE(titleBecomes(*windows, u"seen"_s));
+}
+
 TEST_F(KWinWindowsTest, UnloadsWhatACrashLeftAndLeavesAnotherCopyAlone) {
     FakeKWin kwin(m_bus.connect(), 6);
     kwin.leave(u"kestu-1.99999"_s);
@@ -108,6 +118,7 @@ TEST_F(KWinWindowsTest, SaysWhatWouldHelpWhereTheScriptDoesNotWorkAndRecoversWit
         {"-1 instead of an id", Temper::refusesToLoad, "受け付けない"},
         {"no script object", Temper::cannotRun, "受け付けない"},
         {"loaded, run, gone", Temper::dropsAtRun, "受け付けない"},
+        {"never gets ready", Temper::isStarting, "応答がない"},
         {"hangs", Temper::neverAnswers, "応答がない"},
         {"runs and never calls", Temper::willing, "応答がない"},
     };
