@@ -88,7 +88,7 @@ TEST_F(KWinWindowsTest, LoadsTheScriptAgainInANewKWin) {
 TEST_F(KWinWindowsTest, WaitsForAKWinThatHasItsNameBeforeItTakesScripts) {
     FakeKWin kwin(m_bus.connect(), 6, Temper::isStarting);
     const auto windows = watch();
-    ASSERT_TRUE(waitUntil([&] { return kwin.calls().filter(u"loadScript"_s).size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return kwin.calls().size() == 2; })) << "to unload and to load";
     kwin.setTemper(Temper::willing);
     ASSERT_TRUE(runsScript(kwin));
     kwin.tell(FakeKWin::window(u"{1}"_s, u"seen"_s));
