@@ -80,7 +80,7 @@ GnomeWindows::GnomeWindows(const QDBusConnection& sessionBus, std::unique_ptr<Gn
 }
 
 Ability GnomeWindows::ability() const {
-    const Ability prepared = m_extension.ability();
+    Ability prepared = m_extension.ability();
     const bool shouldTell =
         prepared.kind == Ability::Kind::yes && m_extension.state() != GnomeExtension::State::resting;
     if (m_state == State::telling) {

@@ -139,6 +139,9 @@ void KWinWindows::follow() {
     m_news.end();
     if (m_kwin.number().isEmpty()) {
         ++m_round;
+        if (m_state != State::absent) {
+            QFile::remove(fileOf(m_bus.baseService())); // the script went with KWin
+        }
         become(State::absent);
     } else {
         load();

@@ -78,6 +78,7 @@ TEST_F(KWinWindowsTest, LoadsTheScriptAgainInANewKWin) {
     kwin.reset();
     EXPECT_TRUE(waitUntil([&] { return windows->ability() == Ability{}; }));
     EXPECT_FALSE(windows->front());
+    EXPECT_TRUE(files().isEmpty());
     kwin = std::make_unique<FakeKWin>(m_bus.connect(), 6);
     ASSERT_TRUE(runsScript(*kwin));
     kwin->tell(FakeKWin::window(u"{1}"_s, u"after"_s));
