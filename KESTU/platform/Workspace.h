@@ -20,7 +20,8 @@ struct FrontmostApplication {
     // nobody sets. Absent when unknown.
     std::optional<Seconds> inFrontFor{};
     std::optional<Seconds> titledFor{};
-    bool isOwnPanel = false; // the panel of this program's status item
+    bool isFullscreen = false; // covers its screen; false also where that is unknown
+    bool isOwnPanel = false;   // the panel of this program's status item
 };
 
 class Workspace {

@@ -64,6 +64,16 @@ std::optional<QVariant> busProperty(const QDBusConnection& bus, const QString& s
 
 void callBusLater(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
                   QObject* context, std::function<void(const QVariantList&)> answered) {
+    tryBusLater(bus, method, arguments, context,
+                [answered = std::move(answered)](const std::optional<QVariantList>& answer) {
+                    if (answer) {
+                        answered(*answer);
+                    }
+                });
+}
+
+void tryBusLater(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
+                 QObject* context, std::function<void(const std::optional<QVariantList>&)> answered) {
     if (!bus.isConnected()) {
         return;
     }
@@ -71,9 +81,7 @@ void callBusLater(const QDBusConnection& bus, const BusMethod& method, const QVa
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
                      [watcher, answered = std::move(answered)] {
                          watcher->deleteLater();
-                         if (!watcher->isError()) {
-                             answered(watcher->reply().arguments());
-                         }
+                         answered(argumentsOf(watcher->reply()));
                      });
 }
 

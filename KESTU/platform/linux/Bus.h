@@ -45,4 +45,8 @@ struct BusMethod {
 void callBusLater(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
                   QObject* context, std::function<void(const QVariantList&)> answered);
 
+/// The same, and `answered` is called for an error too: without the arguments then.
+void tryBusLater(const QDBusConnection& bus, const BusMethod& method, const QVariantList& arguments,
+                 QObject* context, std::function<void(const std::optional<QVariantList>&)> answered);
+
 } // namespace kestu

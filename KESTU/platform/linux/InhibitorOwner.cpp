@@ -15,6 +15,10 @@ namespace {
 /// Process 1 starts everything: taken as an application it would hold every inhibitor of the machine.
 constexpr std::int64_t firstApplicationProcess = 2;
 
+/// Mutter inhibits for windows of Wayland that ask it to, while they can be seen, and does not say whose they
+/// are. Of what covers the screen it is its own: nothing else can be seen.
+const QString waylandSpeaker = QStringLiteral("mutter");
+
 /// Empty for an interpreter without a script, and for what runs other programs.
 QString ownFile(const QString& procRoot, std::int64_t processId) {
     const QString file =
@@ -54,6 +58,9 @@ bool InhibitorOwner::isProcess(std::int64_t processId) {
 }
 
 bool InhibitorOwner::isNamed(const QString& name) {
+    if (name == waylandSpeaker) {
+        return m_front.isFullscreen;
+    }
     const bool isFile = !m_file.isEmpty() && (name == m_file || name.compare(QFileInfo(m_file).fileName(),
                                                                              Qt::CaseInsensitive) == 0);
     return m_front.bundleId && (isFile || hasThisId(name));

@@ -25,7 +25,8 @@ public:
     /// one that started it as this application, as wrappers do; every one of its sandbox.
     [[nodiscard]] bool isProcess(std::int64_t processId);
 
-    /// A client that calls itself as windows of this application do, or as its program.
+    /// A client that calls itself as windows of this application do, or as its program; GNOME's compositor
+    /// where it can only speak for this window.
     [[nodiscard]] bool isNamed(const QString& name);
 
 private:

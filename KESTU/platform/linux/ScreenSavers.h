@@ -4,12 +4,13 @@
 // behind a saver, so one that does not lock counts as well. LinuxSystemEvents owns one.
 #pragma once
 
+#include "platform/linux/ScreenSaver.h"
+
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusServiceWatcher>
 #include <QObject>
-#include <QSet>
-#include <QString>
+
+#include <memory>
+#include <vector>
 
 namespace kestu {
 
@@ -23,22 +24,16 @@ public:
     /// Asks them again, as at the start. One that does not answer in time counts as not active until it does.
     void ask();
 
-    [[nodiscard]] bool isActive() const { return !m_active.isEmpty(); }
+    [[nodiscard]] bool isActive() const;
 
 Q_SIGNALS:
     void activeChanged(bool active);
 
-private Q_SLOTS:
-    void onActiveChanged(bool active, const QDBusMessage& message);
-
 private:
-    void askLater(const QString& service);
-    void onOwnerChanged(const QString& service, const QString& newOwner);
-    void setActive(const QString& service, bool active);
+    void note();
 
-    QDBusConnection m_bus;
-    QDBusServiceWatcher m_watcher;
-    QSet<QString> m_active; // service names
+    std::vector<std::unique_ptr<ScreenSaver>> m_savers;
+    bool m_wasActive = false;
 };
 
 } // namespace kestu

@@ -202,6 +202,13 @@ TEST_F(LinuxDisplayAssertionsTest, CountsTheSessionsInhibitionsThatNameTheApplic
     }
     setSessionInhibitor(*m_player.bundleId, idle);
     EXPECT_EQ(heldBy({.bundleId = {}, .localizedName = {}, .processId = 100}), none) << "no names at all";
+
+    setSessionInhibitor(u"mutter"_s, idle); // for some window of Wayland that can be seen
+    FrontmostApplication player = m_player;
+    for (const bool isFullscreen : {false, true}) {
+        player.isFullscreen = isFullscreen;
+        EXPECT_EQ(heldBy(player), isFullscreen ? display : none);
+    }
 }
 
 TEST_F(LinuxDisplayAssertionsTest, TakesNobodyForWhatItWasStartedFrom) {

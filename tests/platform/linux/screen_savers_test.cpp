@@ -28,8 +28,8 @@ protected:
         return {m_bus.connect(), service, path};
     }
 
-    static bool becomes(const ScreenSavers& savers, bool active) {
-        return test::waitUntil([&] { return savers.isActive() == active; });
+    static bool becomes(const ScreenSavers& savers, bool active, int milliseconds = 20000) {
+        return test::waitUntil([&] { return savers.isActive() == active; }, milliseconds);
     }
 
     test::PrivateBus m_bus;
@@ -64,6 +64,38 @@ TEST_F(ScreenSaversTest, StaysActiveUntilTheLastOfSeveralEnds) {
     first.announce(gnome, u"ActiveChanged"_s, false);
     EXPECT_TRUE(becomes(savers, false));
     EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(ScreenSaversTest, HearsKdeAtBothPathsAndGnomeFromItsShell) {
+    const QString kde = u"org.freedesktop.ScreenSaver"_s;
+    QDBusConnection desktop = m_bus.connect();
+    ASSERT_TRUE(desktop.registerService(kde));
+    ASSERT_TRUE(desktop.registerService(u"org.gnome.Shell.ScreenShield"_s));
+    const auto announce = [&](const QString& path, const QString& interface, bool active) {
+        auto signal = QDBusMessage::createSignal(path, interface, u"ActiveChanged"_s);
+        signal << active;
+        desktop.send(signal);
+    };
+    const ScreenSavers savers(m_bus.connect());
+    const QSignalSpy changes(&savers, &ScreenSavers::activeChanged);
+    for (const bool active : {true, false}) {
+        announce(u"/ScreenSaver"_s, kde, active);
+        EXPECT_TRUE(becomes(savers, active)) << "the short path, " << active;
+        announce(u"/org/freedesktop/ScreenSaver"_s, kde, active);
+    }
+    announce(u"/org/freedesktop/ScreenSaver"_s, kde, true);
+    EXPECT_TRUE(becomes(savers, true)) << "the long path";
+    announce(u"/org/freedesktop/ScreenSaver"_s, kde, false);
+    EXPECT_TRUE(becomes(savers, false));
+    EXPECT_EQ(changes.count(), 4) << "the same word twice is told once";
+
+    announce(u"/org/gnome/ScreenSaver"_s, gnome, true);
+    EXPECT_TRUE(becomes(savers, true));
+    // What only passes the shell's words on comes and goes, and the screen stays locked.
+    startSaver(gnome).sendSignal(SIGKILL);
+    EXPECT_FALSE(becomes(savers, false, 100));
+    announce(u"/org/gnome/ScreenSaver"_s, gnome, false);
+    EXPECT_TRUE(becomes(savers, false));
 }
 
 /// A saver in this very thread: it can answer only while nobody blocks the thread, so never at once.

@@ -98,7 +98,8 @@ std::optional<FrontmostApplication> WaylandDesktop::frontmostApplication() {
                                 .localizedName = identity.localizedName,
                                 .processId = processId,
                                 .inFrontFor = age(m_front->since),
-                                .titledFor = age(m_front->titledSince)};
+                                .titledFor = age(m_front->titledSince),
+                                .isFullscreen = m_front->isFullscreen};
 }
 
 QString WaylandDesktop::focusedWindowTitle(std::int64_t processId) {

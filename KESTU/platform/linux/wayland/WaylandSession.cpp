@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/wayland/WaylandSession.h"
 
+#include "platform/linux/wayland/GnomeWindows.h"
 #include "platform/linux/wayland/KWinDpms.h"
+#include "platform/linux/wayland/KWinWindows.h"
+#include "platform/linux/wayland/MutterDisplayPower.h"
+#include "platform/linux/wayland/MutterIdle.h"
 #include "platform/linux/wayland/WlrOutputPower.h"
 #include "platform/linux/wayland/WlrToplevels.h"
+
+#include <QStandardPaths>
 
 #include <memory>
 #include <utility>
@@ -12,18 +18,32 @@
 namespace kestu {
 namespace {
 
+std::unique_ptr<WindowSource> gnomeWindows(const QDBusConnection& sessionBus) {
+    return std::make_unique<GnomeWindows>(sessionBus, std::make_unique<DesktopShellSettings>(),
+                                          QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
+                                                                    QStringLiteral("gnome-shell/extensions"),
+                                                                    QStandardPaths::LocateDirectory));
+}
+
 /// In the order of preference.
 std::vector<std::unique_ptr<WindowSource>> sourcesOf(WaylandConnection& connection, SwayTree& sway,
-                                                     const QDBusConnection& /*sessionBus*/) {
+                                                     const QDBusConnection& sessionBus) {
     std::vector<std::unique_ptr<WindowSource>> sources;
     sources.push_back(std::make_unique<WlrToplevels>(connection, sway));
+    sources.push_back(std::make_unique<KWinWindows>(
+        sessionBus, QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)));
+    sources.push_back(gnomeWindows(sessionBus));
     return sources;
 }
 
-std::vector<std::unique_ptr<DisplayPower>> powersOf(WaylandConnection& connection) {
+std::vector<std::unique_ptr<DisplayPower>> powersOf(WaylandConnection& connection,
+                                                    const QDBusConnection& sessionBus) {
     std::vector<std::unique_ptr<DisplayPower>> powers;
     powers.push_back(std::make_unique<WlrOutputPower>(connection));
     powers.push_back(std::make_unique<KWinDpms>(connection));
+    if (auto mutter = MutterDisplayPower::open(sessionBus)) {
+        powers.push_back(std::move(mutter));
+    }
     return powers;
 }
 
@@ -31,7 +51,8 @@ std::vector<std::unique_ptr<DisplayPower>> powersOf(WaylandConnection& connectio
 
 WaylandSession::WaylandSession(const QDBusConnection& sessionBus, IsHeld isHeld)
     : m_idleNotifier(m_connection, m_sway)
-    , m_displayPower(powersOf(m_connection))
+    , m_mutterIdle(MutterIdle::open(sessionBus))
+    , m_displayPower(powersOf(m_connection, sessionBus))
     , m_desktop(sourcesOf(m_connection, m_sway, sessionBus), std::move(isHeld)) {
     connect(&m_desktop, &WaylandDesktop::activated, this, &DesktopSession::activated);
     connect(&m_desktop, &WaylandDesktop::titleChanged, this, &DesktopSession::titleChanged);
@@ -49,7 +70,7 @@ QString WaylandSession::source() const {
 }
 
 Ability WaylandSession::idle() {
-    return {.kind = m_idleNotifier.canTell() ? Ability::Kind::yes : Ability::Kind::no};
+    return {.kind = m_mutterIdle || m_idleNotifier.canTell() ? Ability::Kind::yes : Ability::Kind::no};
 }
 
 std::optional<bool> WaylandSession::keepsDisplayOn(const FrontmostApplication& front,

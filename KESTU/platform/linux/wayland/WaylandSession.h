@@ -13,6 +13,8 @@
 
 #include <QDBusConnection>
 
+#include <memory>
+
 namespace kestu {
 
 class WaylandSession final : public DesktopSession {
@@ -21,7 +23,9 @@ public:
     ~WaylandSession() override;
 
     [[nodiscard]] Workspace& workspace() override { return m_desktop; }
-    [[nodiscard]] UserInput& userInput() override { return m_idleNotifier; }
+    [[nodiscard]] UserInput& userInput() override {
+        return m_mutterIdle ? static_cast<UserInput&>(*m_mutterIdle) : m_idleNotifier;
+    }
     [[nodiscard]] DisplayPower& displayPower() override { return m_displayPower; }
     [[nodiscard]] QString source() const override;
     [[nodiscard]] Ability windows() override { return m_desktop.windows(); }
@@ -35,6 +39,7 @@ private:
     WaylandConnection m_connection;
     SwayTree m_sway;
     IdleNotifier m_idleNotifier;
+    std::unique_ptr<UserInput> m_mutterIdle; // null where there is none
     DisplayPowers m_displayPower;
     WaylandDesktop m_desktop;
 };

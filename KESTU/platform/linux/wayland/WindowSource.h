@@ -20,6 +20,7 @@ struct SeenWindow {
     QString title{};
     Moment since{};                      // when it came to the front
     std::optional<Moment> titledSince{}; // when its title came; absent when unknown
+    bool isFullscreen = false;           // as far as anybody tells
 };
 
 class WindowSource : public QObject {
