@@ -2,14 +2,17 @@
 #include "platform/linux/wayland/WaylandSession.h"
 
 #include "platform/linux/Unknown.h"
+#include "platform/linux/wayland/AccessibleWindows.h"
 
 #include <utility>
 
 namespace kestu {
 namespace {
 
-std::vector<std::unique_ptr<WindowSource>> sourcesOf(const QDBusConnection& /*sessionBus*/) {
-    return {};
+std::vector<std::unique_ptr<WindowSource>> sourcesOf(const QDBusConnection& sessionBus) {
+    std::vector<std::unique_ptr<WindowSource>> sources;
+    sources.push_back(std::make_unique<AccessibleWindows>(sessionBus)); // the last resort
+    return sources;
 }
 
 } // namespace
