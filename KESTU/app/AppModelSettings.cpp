@@ -47,7 +47,6 @@ void AppModel::loadSettings() {
 
 void AppModel::start() {
     refreshAccessibility();
-    refreshWhyUnseen();
     m_tracker.start();
     mirrorTracking();
 }
@@ -163,19 +162,23 @@ void AppModel::setWindowPlace(const QMap<QString, QString>& place) {
 // The system
 
 void AppModel::requestAccessibility() {
-    setAccessibilityGranted(m_platform.accessibility().request());
+    (void)m_platform.accessibility().request();
+    refreshAccessibility();
 }
 
 void AppModel::refreshAccessibility() {
-    setAccessibilityGranted(m_platform.accessibility().isGranted());
-}
-
-void AppModel::setAccessibilityGranted(bool granted) {
-    assign(m_accessibilityGranted, granted, &AppModel::accessibilityGrantedChanged);
+    const Abilities abilities = m_platform.accessibility().abilities();
+    m_words = m_platform.words(abilities, dataFolder()); // first: who hears of the change reads them, too
+    assign(m_abilities, abilities, &AppModel::abilitiesChanged);
+    assign(m_accessibilityGranted, m_platform.accessibility().isGranted(),
+           &AppModel::accessibilityGrantedChanged);
+    assign(m_whyUnseen, m_platform.workspace().whyUnseen(), &AppModel::whyUnseenChanged);
 }
 
 void AppModel::refreshWhyUnseen() {
-    assign(m_whyUnseen, m_platform.workspace().whyUnseen(), &AppModel::whyUnseenChanged);
+    if (m_platform.workspace().whyUnseen() != m_whyUnseen) {
+        refreshAccessibility();
+    }
 }
 
 void AppModel::openAccessibilitySettings() {

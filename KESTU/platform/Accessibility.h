@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Whether this system lets KESTU read the titles of other programs' windows, and how the user allows it.
+// Delivered on the main thread.
 #pragma once
 
 #include "platform/Abilities.h"
 
+#include <QObject>
+
 namespace kestu {
 
-class Accessibility {
-public:
-    virtual ~Accessibility() = default;
+class Accessibility : public QObject {
+    Q_OBJECT
 
+public:
     /// Whether window titles can be read, without asking the user for anything.
     [[nodiscard]] virtual bool isGranted() = 0;
 
@@ -22,6 +25,9 @@ public:
 
     /// @throws PlatformError when no settings program could be started.
     virtual void openSettings() = 0;
+
+Q_SIGNALS:
+    void abilitiesChanged(); // perhaps
 };
 
 } // namespace kestu

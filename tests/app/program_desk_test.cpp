@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -149,9 +150,10 @@ TEST_F(ProgramTest, OpensItsHelpInTheBrowserWhetherInstalledOrNot) {
 }
 
 TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
-    Program wayland(program, {}, environment({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}));
-    waitUntil([] { return false; }, 3000);
-    EXPECT_EQ(wayland.errorOutput().count(u"Wayland"_s), 1);
+    Program wayland(program, {},
+                    environment({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}, {u"LC_ALL"_s, u"C.UTF-8"_s}}));
+    waitUntil([] { return false; }, 4000);
+    EXPECT_LE(wayland.errorOutput().count(u"記録されません"_s), 1) << "said once, if at all";
     wayland.send(SIGTERM);
     EXPECT_EQ(wayland.waitForEnd(), 0);
     EXPECT_TRUE(rows().empty());
@@ -159,6 +161,36 @@ TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
     Program nowhere(program, {}, environment({{u"DISPLAY"_s, QString()}}));
     EXPECT_EQ(nowhere.waitForEnd(), 1);
     EXPECT_TRUE(nowhere.errorOutput().contains(u"画面がないため"_s)) << nowhere.errorOutput().toStdString();
+}
+
+TEST_F(ProgramTest, ChecksWhatCanBeRecordedHereBesideARecorderAndWithout) {
+    Program recorder(program, {u"--background"_s}, environment());
+    ASSERT_TRUE(records());
+    const auto check = [&](const Program::Environment& changes) {
+        QProcess kestu;
+        QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
+        for (const auto& [name, value] : environment(changes)) {
+            surroundings.insert(name, value);
+        }
+        kestu.setProcessEnvironment(surroundings);
+        kestu.start(program, {u"--check"_s});
+        EXPECT_TRUE(kestu.waitForFinished(patience));
+        EXPECT_EQ(kestu.exitStatus(), QProcess::NormalExit);
+        return std::pair(kestu.exitCode(), QString::fromUtf8(kestu.readAllStandardOutput()));
+    };
+    const auto [code, text] = check({});
+    EXPECT_EQ(code, 0) << text.toStdString();
+    for (const QString& line :
+         {u"KESTU：%1\n"_s.arg(QStringLiteral(KESTU_VERSION)), u"（xcb）\n"_s,
+          u"ウィンドウを知らせるもの：X11\n"_s, u"前面のウィンドウ：わかります\n"_s, u"記録：できます\n"_s}) {
+        EXPECT_TRUE(text.contains(line)) << line.toStdString() << " is not in\n" << text.toStdString();
+    }
+    EXPECT_FALSE(text.contains(u"front\n"_s)) << "no window's title";
+    EXPECT_TRUE(recorder.isRunning());
+
+    const auto [blind, why] = check({{u"DISPLAY"_s, {}}, {u"WAYLAND_DISPLAY"_s, {}}});
+    EXPECT_EQ(blind, 1) << why.toStdString();
+    EXPECT_TRUE(why.contains(u"記録：できません\n"_s)) << why.toStdString();
 }
 
 } // namespace

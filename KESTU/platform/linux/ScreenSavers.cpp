@@ -63,20 +63,25 @@ void ScreenSavers::ask() {
         const QString service = name.toString();
         const auto reply = callBus(m_bus, getActive(service), {}, deadline);
         setActive(service, reply && saysActive(*reply));
-        if (!reply) {
+        if (reply) {
+            m_there.insert(service);
+        } else {
             askLater(service); // the desktop may still be starting, or another saver took all the time
         }
     }
 }
 
 void ScreenSavers::askLater(const QString& service) {
-    callBusLater(m_bus, getActive(service), {}, this,
-                 [this, service](const QVariantList& reply) { setActive(service, saysActive(reply)); });
+    callBusLater(m_bus, getActive(service), {}, this, [this, service](const QVariantList& reply) {
+        m_there.insert(service);
+        setActive(service, saysActive(reply));
+    });
 }
 
 /// The windows are seen again when a locker crashes, whatever its last word was; one that takes its place
 /// may cover them already.
 void ScreenSavers::onOwnerChanged(const QString& service, const QString& newOwner) {
+    m_there.remove(service);
     setActive(service, false);
     if (!newOwner.isEmpty()) {
         askLater(service);

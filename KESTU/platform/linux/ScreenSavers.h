@@ -23,6 +23,8 @@ public:
     /// Asks them again, as at the start. One that does not answer in time counts as not active until it does.
     void ask();
 
+    /// Whether any runs that would tell.
+    [[nodiscard]] bool isAnyThere() const { return !m_there.isEmpty(); }
     [[nodiscard]] bool isActive() const { return !m_active.isEmpty(); }
 
 Q_SIGNALS:
@@ -39,6 +41,7 @@ private:
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     QSet<QString> m_active; // service names
+    QSet<QString> m_there;  // that have answered
 };
 
 } // namespace kestu
