@@ -58,7 +58,7 @@ TEST(SourceChoiceTest, IsTheFirstThatCanTellAndTheOthersRest) {
          partly,
          last,
          true,
-         {.kind = Kind::partly, .note = u"オフ。一部。"_s, .mayBeRequested = true},
+         {.kind = Kind::partly, .note = u"オフ。それまでは、一部。"_s, .mayBeRequested = true},
          {}},
         {{}, partly, last, true, partly, {}},
         {{.kind = Kind::yes}, partly, best, false, {.kind = Kind::yes}, {}},

@@ -73,7 +73,7 @@ Ability WaylandDesktop::windows() const {
         return better;
     }
     return {.kind = told.kind,
-            .note = better.note + told.note,
+            .note = better.note + QStringLiteral("それまでは、") + told.note,
             .mayBeRequested = better.mayBeRequested || told.mayBeRequested};
 }
 
