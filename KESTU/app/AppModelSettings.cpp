@@ -13,6 +13,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 namespace kestu {
 namespace {
 
@@ -168,11 +170,22 @@ void AppModel::requestAccessibility() {
 
 void AppModel::refreshAccessibility() {
     const Abilities abilities = m_platform.accessibility().abilities();
-    m_words = m_platform.words(abilities, dataFolder()); // first: who hears of the change reads them, too
-    assign(m_abilities, abilities, &AppModel::abilitiesChanged);
-    assign(m_accessibilityGranted, m_platform.accessibility().isGranted(),
-           &AppModel::accessibilityGrantedChanged);
-    assign(m_whyUnseen, m_platform.workspace().whyUnseen(), &AppModel::whyUnseenChanged);
+    const bool isGranted = m_platform.accessibility().isGranted();
+    const QString whyUnseen = m_platform.workspace().whyUnseen();
+    // All of them before any is told: who hears of one reads the others, too.
+    m_words = m_platform.words(abilities, dataFolder());
+    const bool isOtherSession = std::exchange(m_abilities, abilities) != abilities;
+    const bool isOtherGrant = std::exchange(m_accessibilityGranted, isGranted) != isGranted;
+    const bool isOtherSight = std::exchange(m_whyUnseen, whyUnseen) != whyUnseen;
+    if (isOtherSession) {
+        Q_EMIT abilitiesChanged();
+    }
+    if (isOtherGrant) {
+        Q_EMIT accessibilityGrantedChanged();
+    }
+    if (isOtherSight) {
+        Q_EMIT whyUnseenChanged();
+    }
 }
 
 void AppModel::refreshWhyUnseen() {

@@ -20,7 +20,8 @@ public:
     /// The same, and first asks the system for all that a program may ask for.
     [[nodiscard]] virtual bool request() = 0;
 
-    /// What this session can tell, now. Answers within 0.3 seconds.
+    /// What this session can tell, now. Answers within 0.6 seconds, where nothing hangs within some
+    /// milliseconds.
     [[nodiscard]] virtual Abilities abilities() = 0;
 
     /// @throws PlatformError when no settings program could be started.

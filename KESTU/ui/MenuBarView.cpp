@@ -91,8 +91,8 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     panel->addLayout(makeControls(commands));
 
     connect(&m_model, &AppModel::todayTotalChanged, this, &MenuBarView::refreshTotal);
-    for (const auto signal :
-         {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged, &AppModel::isTrackingChanged}) {
+    for (const auto signal : {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged,
+                              &AppModel::isTrackingChanged, &AppModel::abilitiesChanged}) {
         connect(&m_model, signal, this, &MenuBarView::refreshNow);
     }
     for (const auto signal : {&AppModel::whyUnseenChanged, &AppModel::isTrackingChanged}) {

@@ -359,6 +359,8 @@ TEST_F(AppModelTest, KnowsWhatTheSessionCanTellAtOnceAndAgainWhenAsked) {
         ++told;
         EXPECT_EQ(opened.words().warning, linuxWords(opened.abilities(), {}).warning)
             << "the words are those of the new state";
+        EXPECT_EQ(opened.whyUnseen().isEmpty(), opened.abilities().windows == seen.windows)
+            << "and so is the rest";
     });
     platform.loseSight(u"見えません。"_s);
     EXPECT_EQ(told, 1);
@@ -366,6 +368,7 @@ TEST_F(AppModelTest, KnowsWhatTheSessionCanTellAtOnceAndAgainWhenAsked) {
     EXPECT_FALSE(opened.accessibilityGranted());
 
     platform.fakeAccessibility.able = seen; // nobody says so
+    platform.fakeWorkspace.unseen.clear();
     opened.refreshAccessibility();
     EXPECT_EQ(told, 2);
     opened.refreshAccessibility();
