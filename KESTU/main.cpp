@@ -4,8 +4,11 @@
 #include "app/AppModel.h"
 #include "app/KestuApp.h"
 #include "app/ReportCommand.h"
+#include "app/SelfCheck.h"
+#include "platform/Accessibility.h"
 #include "platform/Appearance.h"
 #include "platform/Platform.h"
+#include "platform/Workspace.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/ReaderSwitch.h"
 #include "platform/linux/SingleInstance.h"
@@ -16,9 +19,11 @@
 #include "ui/theme/KestuStyle.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QSystemTrayIcon>
 #include <QTimer>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -26,6 +31,10 @@
 namespace {
 
 using namespace kestu;
+using namespace std::chrono_literals;
+
+// Who is asked for the windows over a bus needs a moment, and the best may be the slowest.
+constexpr auto sourcePatience = 2s;
 
 void say(const QString& line) {
     std::fprintf(stderr, "%s\n", line.toUtf8().constData());
@@ -74,13 +83,10 @@ protected:
 
 int record(QApplication& application, const SingleInstance& instance, std::unique_ptr<Repository> repository,
            const QPalette& desktopPalette, FirstView firstView) {
-    const LinuxPlatformStart started = startLinuxPlatform();
-    if (!started.warning.isEmpty()) {
-        say(started.warning);
-    }
-    Appearance& appearance = started.platform->appearance();
+    const std::unique_ptr<Platform> platform = startLinuxPlatform();
+    Appearance& appearance = platform->appearance();
     KestuApp kestuApp(
-        std::move(repository), *started.platform,
+        std::move(repository), *platform,
         {.clock = systemNow,
          .calendar = systemCalendar,
          .screen = qEnvironmentVariable("KESTU_SCREEN"),
@@ -114,6 +120,11 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
         }
         shell.checkForUpdatesQuietly();
     });
+    QTimer::singleShot(sourcePatience, &application, [&] {
+        if (!kestuApp.model().whyUnseen().isEmpty()) {
+            say(kestuApp.model().whyUnseen());
+        }
+    });
     return QApplication::exec();
 }
 
@@ -129,6 +140,28 @@ int finish(const CommandResult& result) {
         return EXIT_FAILURE;
     }
     return result.exitCode;
+}
+
+/// Beside a KESTU that runs, if one does: nothing is stored.
+CommandResult check() {
+    const std::unique_ptr<Platform> platform = startLinuxPlatform();
+    Accessibility& accessibility = platform->accessibility();
+    QEventLoop waiting;
+    const auto look = [&] {
+        if (accessibility.abilities().windows.kind == Ability::Kind::yes) {
+            waiting.quit();
+        }
+    };
+    QObject::connect(&accessibility, &Accessibility::abilitiesChanged, &waiting, look);
+    QTimer::singleShot(0, &waiting, look);
+    QTimer::singleShot(sourcePatience, &waiting, &QEventLoop::quit);
+    waiting.exec();
+    return reportOf({.session = qEnvironmentVariable("XDG_SESSION_TYPE"),
+                     .desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
+                     .qtPlatform = QGuiApplication::platformName(),
+                     .hasTray = QSystemTrayIcon::isSystemTrayAvailable(),
+                     .whyUnseen = platform->workspace().whyUnseen(),
+                     .abilities = accessibility.abilities()});
 }
 
 std::optional<int> commandExitCode(int argc, char* argv[]) {
@@ -161,6 +194,9 @@ int main(int argc, char* argv[]) {
     QStringList arguments = QApplication::arguments().sliced(1);
     const auto firstView =
         arguments.removeOne(QStringLiteral("--background")) ? FirstView::none : FirstView::window;
+    if (arguments == QStringList(QStringLiteral("--check"))) {
+        return finish(check());
+    }
     if (!arguments.isEmpty()) {
         return finish(usageError(QStringLiteral("不明な引数です：%1").arg(arguments.first())));
     }

@@ -4,6 +4,8 @@
 #include "app/Ledger.h"
 #include "base/LocalClock.h"
 #include "classify/Resolution.h"
+#include "platform/Accessibility.h"
+#include "platform/Platform.h"
 
 #include <algorithm>
 
@@ -55,6 +57,9 @@ AppModel::AppModel(std::unique_ptr<Repository> repository, Platform& platform, E
     , m_screen(sidebarItemFromRaw(m_environment.screen))
     , m_selectedDay(startOfToday())
     , m_lastDataVersion(m_repository->database().dataVersion()) { // before the load: nothing is missed
+    m_words = m_platform.words(m_abilities, dataFolder());
+    connect(&m_platform.accessibility(), &Accessibility::abilitiesChanged, this,
+            &AppModel::refreshAccessibility);
     m_tracker.onUpdate = [this] { onTrackerUpdate(); };
     reload();
     connect(&m_watchTimer, &QTimer::timeout, this, &AppModel::watch);

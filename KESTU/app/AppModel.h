@@ -14,7 +14,9 @@
 #include "base/Time.h"
 #include "capture/Tracker.h"
 #include "classify/DayAggregation.h"
+#include "platform/Abilities.h"
 #include "platform/SoftwareUpdates.h"
+#include "platform/SystemWords.h"
 #include "storage/Repository.h"
 
 #include <QHash>
@@ -75,6 +77,9 @@ public:
     [[nodiscard]] bool isTracking() const { return m_isTracking; }
     [[nodiscard]] const std::optional<Sample>& currentSample() const { return m_currentSample; }
     [[nodiscard]] bool accessibilityGranted() const { return m_accessibilityGranted; }
+    /// What this session can tell, and what is said of this system therefore.
+    [[nodiscard]] const Abilities& abilities() const { return m_abilities; }
+    [[nodiscard]] const SystemWords& words() const { return m_words; }
     /// Why no window can be seen here and what would help; empty while they can be.
     [[nodiscard]] const QString& whyUnseen() const { return m_whyUnseen; }
     [[nodiscard]] const std::optional<QString>& errorMessage() const { return m_errorMessage; }
@@ -139,7 +144,7 @@ public:
     // The system
 
     void requestAccessibility();
-    void refreshAccessibility();
+    void refreshAccessibility(); // and all that the session can tell
     void openAccessibilitySettings();
     void openAddress(const QUrl& address);
     void openPage(const QString& path); // of the help
@@ -206,6 +211,7 @@ Q_SIGNALS:
     void isTrackingChanged();
     void currentSampleChanged();
     void accessibilityGrantedChanged();
+    void abilitiesChanged(); // and the words
     void whyUnseenChanged();
     void errorMessageChanged();
     void revisionChanged();
@@ -259,7 +265,6 @@ private:
     void restartSession();
 
     void mirrorTracking();
-    void setAccessibilityGranted(bool granted);
     void refreshWhyUnseen();
     void setExcludedApps(QMap<QString, QString> apps);
     void applyLaunchAtLogin();
@@ -288,6 +293,8 @@ private:
     bool m_isTracking = false;
     std::optional<Sample> m_currentSample;
     bool m_accessibilityGranted = false;
+    Abilities m_abilities;
+    SystemWords m_words;
     QString m_whyUnseen;
     std::optional<QString> m_errorMessage;
     std::int64_t m_revision = 0;

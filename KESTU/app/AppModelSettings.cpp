@@ -13,6 +13,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 namespace kestu {
 namespace {
 
@@ -47,7 +49,6 @@ void AppModel::loadSettings() {
 
 void AppModel::start() {
     refreshAccessibility();
-    refreshWhyUnseen();
     m_tracker.start();
     mirrorTracking();
 }
@@ -163,19 +164,34 @@ void AppModel::setWindowPlace(const QMap<QString, QString>& place) {
 // The system
 
 void AppModel::requestAccessibility() {
-    setAccessibilityGranted(m_platform.accessibility().request());
+    (void)m_platform.accessibility().request();
+    refreshAccessibility();
 }
 
 void AppModel::refreshAccessibility() {
-    setAccessibilityGranted(m_platform.accessibility().isGranted());
-}
-
-void AppModel::setAccessibilityGranted(bool granted) {
-    assign(m_accessibilityGranted, granted, &AppModel::accessibilityGrantedChanged);
+    const Abilities abilities = m_platform.accessibility().abilities();
+    const bool isGranted = m_platform.accessibility().isGranted();
+    const QString whyUnseen = m_platform.workspace().whyUnseen();
+    // All of them before any is told: who hears of one reads the others, too.
+    m_words = m_platform.words(abilities, dataFolder());
+    const bool isOtherSession = std::exchange(m_abilities, abilities) != abilities;
+    const bool isOtherGrant = std::exchange(m_accessibilityGranted, isGranted) != isGranted;
+    const bool isOtherSight = std::exchange(m_whyUnseen, whyUnseen) != whyUnseen;
+    if (isOtherSession) {
+        Q_EMIT abilitiesChanged();
+    }
+    if (isOtherGrant) {
+        Q_EMIT accessibilityGrantedChanged();
+    }
+    if (isOtherSight) {
+        Q_EMIT whyUnseenChanged();
+    }
 }
 
 void AppModel::refreshWhyUnseen() {
-    assign(m_whyUnseen, m_platform.workspace().whyUnseen(), &AppModel::whyUnseenChanged);
+    if (m_platform.workspace().whyUnseen() != m_whyUnseen) {
+        refreshAccessibility();
+    }
 }
 
 void AppModel::openAccessibilitySettings() {

@@ -22,6 +22,7 @@ const QString usage =
 const QString help =
     QStringLiteral("使い方: kestu [--background]     記録を始めます（--background: ウィンドウを開きません）\n"
                    "        kestu report [オプション]  レポートを書き出します\n"
+                   "        kestu --check              この画面で何を記録できるかを調べます\n"
                    "        kestu --help | --version\n"
                    "\n"
                    "report のオプション:\n"

@@ -17,6 +17,7 @@ struct Ability {
 
     Kind kind = Kind::no;
     QString note{}; // for the user: what is missing, and what would help; empty when there is nothing to say
+    bool mayBeRequested = false; // Accessibility::request() would help
 
     [[nodiscard]] bool operator==(const Ability&) const = default;
 };

@@ -3,6 +3,8 @@
 // Everything that the system must give, in one hand. main creates one; tests create a fake.
 #pragma once
 
+#include "platform/SystemWords.h"
+
 namespace kestu {
 
 class Accessibility;
@@ -32,6 +34,9 @@ public:
     [[nodiscard]] virtual Accessibility& accessibility() = 0;
     [[nodiscard]] virtual SoftwareUpdates& softwareUpdates() = 0;
     [[nodiscard]] virtual Appearance& appearance() = 0;
+
+    /// What the screens say of this system while it can tell this much, with the records in that folder.
+    [[nodiscard]] virtual SystemWords words(const Abilities& abilities, const QString& dataFolder) const = 0;
 };
 
 } // namespace kestu

@@ -9,30 +9,24 @@ class QBoxLayout;
 
 namespace kestu {
 
-class AppModel;
 class TextLabel;
 
 class Banner : public QWidget {
 public:
-    /// Takes `text` and `buttons`, which may be null.
-    Banner(const QString& title, TextLabel* text, QWidget* buttons);
+    /// Takes `buttons`.
+    explicit Banner(QWidget* buttons);
+
+    void say(const QString& title, const QString& text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    TextLabel* m_heading;
+    TextLabel* m_text;
     QBoxLayout* m_body; // the texts and the buttons
     QWidget* m_buttons;
-};
-
-/// While no window can be seen: why, and what would help.
-class UnseenBanner final : public Banner {
-public:
-    explicit UnseenBanner(AppModel& model);
-
-private:
-    UnseenBanner(AppModel& model, TextLabel* text);
 };
 
 } // namespace kestu

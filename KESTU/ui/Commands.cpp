@@ -103,15 +103,4 @@ QString trackingCommandText(bool isTracking) {
     return isTracking ? QStringLiteral("一時停止") : QStringLiteral("記録を再開");
 }
 
-QString trackingStateText(const AppModel& model) {
-    if (!model.isTracking()) {
-        return QStringLiteral("一時停止中");
-    }
-    return model.whyUnseen().isEmpty() ? QStringLiteral("記録中") : QStringLiteral("記録できません");
-}
-
-QString unseenText() {
-    return QStringLiteral("ウィンドウを見られません");
-}
-
 } // namespace kestu

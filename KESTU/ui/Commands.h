@@ -63,10 +63,4 @@ private:
 /// What the button that pauses and resumes says.
 [[nodiscard]] QString trackingCommandText(bool isTracking);
 
-/// Whether KESTU records, in a word: the sidebar is narrow.
-[[nodiscard]] QString trackingStateText(const AppModel& model);
-
-/// Why that is impossible now, in short: no window can be seen.
-[[nodiscard]] QString unseenText();
-
 } // namespace kestu

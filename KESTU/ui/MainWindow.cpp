@@ -83,10 +83,7 @@ MainWindow::MainWindow(AppModel& model, Commands& commands)
 QWidget* MainWindow::makeDetail() {
     m_banner = new QWidget;
     auto* banner = tight<QVBoxLayout>(m_banner);
-    m_permissionBanner = new PermissionBanner(m_model);
-    m_unseenBanner = new UnseenBanner(m_model);
-    banner->addWidget(m_permissionBanner);
-    banner->addWidget(m_unseenBanner);
+    banner->addWidget(new PermissionBanner(m_model));
     banner->addWidget(new Divider(Qt::Horizontal));
 
     auto* detail = new QWidget;
@@ -156,11 +153,7 @@ void MainWindow::refreshScreen() {
 }
 
 void MainWindow::refreshBanner() {
-    // Without windows there are no titles to permit either.
-    const bool isUnseen = !m_model.whyUnseen().isEmpty();
-    m_unseenBanner->setVisible(isUnseen);
-    m_permissionBanner->setVisible(!isUnseen);
-    m_banner->setVisible(isUnseen || !m_model.accessibilityGranted());
+    m_banner->setVisible(!m_model.whyUnseen().isEmpty() || !m_model.accessibilityGranted());
 }
 
 void MainWindow::refreshError() {

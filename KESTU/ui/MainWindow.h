@@ -59,8 +59,6 @@ private:
     QWidget* m_content;
     Sidebar* m_sidebar;
     QWidget* m_banner;
-    QWidget* m_permissionBanner;
-    QWidget* m_unseenBanner;
     QStackedWidget* m_screens;
     std::array<QWidget*, sidebarEntries.size()> m_screenOf{}; // null until first shown
     Alert* m_errorAlert = nullptr;

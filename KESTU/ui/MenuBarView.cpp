@@ -10,6 +10,7 @@
 #include "ui/controls/Roles.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Theme.h"
 
 #include <QBitmap>
@@ -90,12 +91,13 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     panel->addLayout(makeControls(commands));
 
     connect(&m_model, &AppModel::todayTotalChanged, this, &MenuBarView::refreshTotal);
-    for (const auto signal :
-         {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged, &AppModel::isTrackingChanged}) {
+    for (const auto signal : {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged,
+                              &AppModel::isTrackingChanged, &AppModel::abilitiesChanged}) {
         connect(&m_model, signal, this, &MenuBarView::refreshNow);
     }
-    connect(&m_model, &AppModel::isTrackingChanged, this,
-            [this] { announce(*this, trackingStateText(m_model)); });
+    for (const auto signal : {&AppModel::whyUnseenChanged, &AppModel::isTrackingChanged}) {
+        connect(&m_model, signal, this, [this] { announce(*this, trackingStateText(m_model)); });
+    }
     for (const auto signal :
          {&AppModel::dayItemsChanged, &AppModel::selectedDayChanged, &AppModel::projectsChanged}) {
         connect(&m_model, signal, this, &MenuBarView::refreshProjects);
@@ -133,7 +135,7 @@ void MenuBarView::refreshNow() {
     const auto& sample = m_model.currentSample();
     const bool isUnseen = m_model.isTracking() && !m_model.whyUnseen().isEmpty();
     m_now->setVisible(sample || isUnseen);
-    m_nowApp->setText(sample ? sample->appName : unseenText());
+    m_nowApp->setText(sample ? sample->appName : m_model.words().warning);
     m_nowTitle->setText(sample ? sample->title : QString());
     m_nowTitle->setVisible(sample && !sample->title.isEmpty());
 }

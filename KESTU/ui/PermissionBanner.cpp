@@ -2,8 +2,6 @@
 #include "ui/PermissionBanner.h"
 
 #include "app/AppModel.h"
-#include "ui/controls/TextLabel.h"
-#include "ui/theme/Theme.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -11,10 +9,26 @@
 namespace kestu {
 
 PermissionBanner::PermissionBanner(AppModel& model)
-    : Banner(QStringLiteral("ウィンドウ名を記録するには「アクセシビリティ」の許可が必要です"),
-             new TextLabel(QStringLiteral("許可がないあいだは、アプリ名だけを記録します。"),
-                           TextStyle::caption, ink::secondary, Overflow::elideRight),
-             makePermissionButtons(model, 12)) {}
+    : PermissionBanner(model, makePermissionButtons(model, 12)) {}
+
+PermissionBanner::PermissionBanner(AppModel& model, QWidget* buttons)
+    : Banner(buttons)
+    , m_model(model)
+    , m_buttons(buttons) {
+    for (const auto signal :
+         {&AppModel::whyUnseenChanged, &AppModel::abilitiesChanged, &AppModel::accessibilityGrantedChanged}) {
+        connect(&m_model, signal, this, &PermissionBanner::refresh);
+    }
+    refresh();
+}
+
+void PermissionBanner::refresh() {
+    const QString& why = m_model.whyUnseen();
+    const SystemWords& words = m_model.words();
+    say(words.warning, why.isEmpty() ? words.warningText : why);
+    // Where no window can be seen, a permission may not help either.
+    m_buttons->setVisible(why.isEmpty() || m_model.abilities().windows.mayBeRequested);
+}
 
 QWidget* makePermissionButtons(AppModel& model, int spacing) {
     auto* buttons = new QWidget;

@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 #include "base/WindowRole.h"
 #include "ui/Commands.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Icons.h"
 
 namespace kestu {
@@ -20,12 +21,14 @@ StatusItem::StatusItem(AppModel& model, Commands& commands)
     });
     connect(&m_model, &AppModel::isTrackingChanged, this, &StatusItem::refreshIcon);
     connect(&m_model, &AppModel::whyUnseenChanged, this, &StatusItem::refreshIcon);
+    connect(&m_model, &AppModel::abilitiesChanged, this, &StatusItem::refreshIcon);
     refreshIcon();
     m_icon.show();
 }
 
 QString StatusItem::iconName() const {
-    return m_model.isTracking() ? QStringLiteral("clock.fill") : QStringLiteral("clock.badge.xmark");
+    const bool isRecording = m_model.isTracking() && m_model.whyUnseen().isEmpty();
+    return isRecording ? QStringLiteral("clock.fill") : QStringLiteral("clock.badge.xmark");
 }
 
 void StatusItem::setInk(const std::optional<QColor>& ink) {

@@ -3,10 +3,10 @@
 
 #include "app/AppModel.h"
 #include "classify/DurationText.h"
-#include "ui/Commands.h"
 #include "ui/controls/Announcing.h"
 #include "ui/controls/Surfaces.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 #include "ui/theme/Theme.h"
 
 #include <QEvent>
@@ -32,6 +32,7 @@ TrackingStatus::TrackingStatus(AppModel& model)
 
     connect(&m_model, &AppModel::isTrackingChanged, this, &TrackingStatus::refreshState);
     connect(&m_model, &AppModel::whyUnseenChanged, this, &TrackingStatus::refreshState);
+    connect(&m_model, &AppModel::abilitiesChanged, this, &TrackingStatus::refreshState);
     connect(&m_model, &AppModel::todayTotalChanged, this, &TrackingStatus::refreshTotal);
     refreshState();
     refreshTotal();
@@ -52,7 +53,7 @@ void TrackingStatus::changeEvent(QEvent* event) {
 
 void TrackingStatus::refreshState() {
     const Colors& colors = colorsOf(palette());
-    const QColor& whileTracking = m_model.whyUnseen().isEmpty() ? colors.green : colors.orange;
+    const QColor& whileTracking = seesAll(m_model) ? colors.green : colors.orange;
     m_dot->setColor(m_model.isTracking() ? whileTracking : colors.textSecondary);
     const QString state = trackingStateText(m_model);
     if (state != m_state->text()) {

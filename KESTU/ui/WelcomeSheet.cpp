@@ -60,11 +60,9 @@ private:
     bool m_isDone = false;
 };
 
-QLayout* makeHeader() {
+QLayout* makeHeader(const QString& greeting) {
     auto* title = new TextLabel(QStringLiteral("KESTUへようこそ"), TextStyle::title2);
-    auto* text =
-        new TextLabel(QStringLiteral("Mac の作業を自動で記録します。記録はこの Mac の中だけに保存されます。"),
-                      TextStyle::body, ink::secondary, Overflow::wrap);
+    auto* text = new TextLabel(greeting, TextStyle::body, ink::secondary, Overflow::wrap);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(4);
     texts->addWidget(title);
@@ -76,8 +74,11 @@ QLayout* makeHeader() {
     return header;
 }
 
-QLayout* makeStep(StepBadge* badge, const QString& title, const QString& text, QWidget* extra = nullptr) {
-    auto* body = new TextLabel(text, TextStyle::callout, ink::secondary, Overflow::wrap);
+TextLabel* makeBody(const QString& text) {
+    return new TextLabel(text, TextStyle::callout, ink::secondary, Overflow::wrap);
+}
+
+QLayout* makeStep(StepBadge* badge, const QString& title, TextLabel* body, QWidget* extra = nullptr) {
     auto* texts = new QVBoxLayout;
     texts->setContentsMargins(0, 4, 0, 0);
     texts->setSpacing(6);
@@ -108,21 +109,24 @@ WelcomeSheet::WelcomeSheet(QWidget* host, AppModel& model)
     QVBoxLayout* layout = content();
     layout->setContentsMargins(padding, padding, padding, 0);
     layout->setSpacing(20);
-    layout->addLayout(makeHeader());
-    layout->addLayout(makeStep(first, QStringLiteral("ウィンドウ名を記録する許可"),
-                               QStringLiteral("システム設定の「アクセシビリティ」でKESTUをオンにします。オン"
-                                              "にしないと、アプリ名だけの記録になります。"),
+    layout->addLayout(makeHeader(model.words().greeting));
+    auto* permission = makeBody({});
+    auto* addresses = makeBody({});
+    layout->addLayout(makeStep(first, QStringLiteral("ウィンドウ名を記録する許可"), permission,
                                makePermissionButtons(model, 8)));
+    layout->addLayout(makeStep(new StepBadge(2), QStringLiteral("ブラウザの URL"), addresses));
     layout->addLayout(
-        makeStep(new StepBadge(2), QStringLiteral("ブラウザの URL"),
-                 QStringLiteral("Safari や Chrome を使うと「KESTUが制御しようとしています」と確認が出ます。"
-                                "「OK」を押すと、見ているページの URL も記録されます。")));
-    layout->addLayout(makeStep(new StepBadge(3), QStringLiteral("AI 連携（あとからでも）"),
-                               QStringLiteral("設定 →「AI 連携（MCP）」から Claude "
-                                              "につなぐと、今日のまとめやルールの提案を頼めます。")));
+        makeStep(new StepBadge(3), QStringLiteral("AI 連携（あとからでも）"),
+                 makeBody(QStringLiteral("設定 →「AI 連携（MCP）」から Claude "
+                                         "につなぐと、今日のまとめやルールの提案を頼めます。"))));
 
-    const auto refresh = [first, &model] { first->setDone(model.accessibilityGranted()); };
+    const auto refresh = [first, permission, addresses, &model] {
+        first->setDone(model.accessibilityGranted());
+        permission->setText(model.words().permissionStep);
+        addresses->setText(model.words().addressStep);
+    };
     connect(&model, &AppModel::accessibilityGrantedChanged, first, refresh);
+    connect(&model, &AppModel::abilitiesChanged, first, refresh);
     refresh();
     connect(begin, &QPushButton::clicked, this, [this, &model] {
         model.setWelcomeShown();

@@ -349,5 +349,35 @@ TEST_F(AppModelTest, LoadsAndStoresSettingsAndAppliesThem) {
     EXPECT_EQ(told(), "設定を読めません");
 }
 
+TEST_F(AppModelTest, KnowsWhatTheSessionCanTellAtOnceAndAgainWhenAsked) {
+    AppModel& opened = open();
+    opened.start();
+    const Abilities seen = platform.fakeAccessibility.able;
+    EXPECT_EQ(opened.abilities(), seen);
+    int told = 0;
+    QObject::connect(&opened, &AppModel::abilitiesChanged, &opened, [&] {
+        ++told;
+        EXPECT_EQ(opened.words().warning, linuxWords(opened.abilities(), {}).warning)
+            << "the words are those of the new state";
+        EXPECT_EQ(opened.whyUnseen().isEmpty(), opened.abilities().windows == seen.windows)
+            << "and so is the rest";
+    });
+    platform.loseSight(u"見えません。"_s);
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(opened.whyUnseen(), u"見えません。"_s);
+    EXPECT_FALSE(opened.accessibilityGranted());
+
+    platform.fakeAccessibility.able = seen; // nobody says so
+    platform.fakeWorkspace.unseen.clear();
+    opened.refreshAccessibility();
+    EXPECT_EQ(told, 2);
+    opened.refreshAccessibility();
+    EXPECT_EQ(told, 2) << "nothing new";
+
+    platform.fakeAccessibility.able.addresses = {};
+    opened.requestAccessibility();
+    EXPECT_EQ(opened.abilities().addresses, Ability());
+}
+
 } // namespace
 } // namespace kestu

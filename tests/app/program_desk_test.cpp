@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -149,9 +150,13 @@ TEST_F(ProgramTest, OpensItsHelpInTheBrowserWhetherInstalledOrNot) {
 }
 
 TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
-    Program wayland(program, {}, environment({{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}));
+    Program wayland(program, {},
+                    environment({{u"XDG_SESSION_TYPE"_s, u"wayland"_s},
+                                 {u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent"_s}}));
+    const QString why = u"アクセシビリティの仕組み（at-spi2-core）が動いていません。"_s;
+    EXPECT_TRUE(waitUntil([&] { return wayland.errorOutput().contains(why); }, patience));
     waitUntil([] { return false; }, 3000);
-    EXPECT_EQ(wayland.errorOutput().count(u"Wayland"_s), 1);
+    EXPECT_EQ(wayland.errorOutput().count(why), 1);
     wayland.send(SIGTERM);
     EXPECT_EQ(wayland.waitForEnd(), 0);
     EXPECT_TRUE(rows().empty());
@@ -159,6 +164,36 @@ TEST_F(ProgramTest, SaysWhereItCannotSeeAndRecordsNothingThere) {
     Program nowhere(program, {}, environment({{u"DISPLAY"_s, QString()}}));
     EXPECT_EQ(nowhere.waitForEnd(), 1);
     EXPECT_TRUE(nowhere.errorOutput().contains(u"画面がないため"_s)) << nowhere.errorOutput().toStdString();
+}
+
+TEST_F(ProgramTest, ChecksWhatCanBeRecordedHereBesideARecorderAndWithout) {
+    Program recorder(program, {u"--background"_s}, environment());
+    ASSERT_TRUE(records());
+    const auto check = [&](const Program::Environment& changes) {
+        QProcess kestu;
+        QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
+        for (const auto& [name, value] : environment(changes)) {
+            surroundings.insert(name, value);
+        }
+        kestu.setProcessEnvironment(surroundings);
+        kestu.start(program, {u"--check"_s});
+        EXPECT_TRUE(kestu.waitForFinished(patience));
+        EXPECT_EQ(kestu.exitStatus(), QProcess::NormalExit);
+        return std::pair(kestu.exitCode(), QString::fromUtf8(kestu.readAllStandardOutput()));
+    };
+    const auto [code, text] = check({});
+    EXPECT_EQ(code, 0) << text.toStdString();
+    for (const QString& line :
+         {u"KESTU：%1\n"_s.arg(QStringLiteral(KESTU_VERSION)), u"（xcb）\n"_s,
+          u"ウィンドウを知らせるもの：X11\n"_s, u"前面のウィンドウ：わかります\n"_s, u"記録：できます\n"_s}) {
+        EXPECT_TRUE(text.contains(line)) << line.toStdString() << " is not in\n" << text.toStdString();
+    }
+    EXPECT_FALSE(text.contains(u"front\n"_s)) << "no window's title";
+    EXPECT_TRUE(recorder.isRunning());
+
+    const auto [blind, why] = check({{u"DISPLAY"_s, {}}, {u"WAYLAND_DISPLAY"_s, {}}});
+    EXPECT_EQ(blind, 1) << why.toStdString();
+    EXPECT_TRUE(why.contains(u"記録：できません\n"_s)) << why.toStdString();
 }
 
 } // namespace

@@ -107,9 +107,9 @@ TEST_F(RecordingTest, WritesWhatIsInFrontWithoutGapOrOverlap) {
 TEST_F(RecordingTest, EndsTheRowAtTheLastInput) {
     const test::Terminal window(u"Quiet"_s, u"quiet"_s);
     window.activate();
-    const LinuxPlatformStart started = startLinuxPlatform();
+    const std::unique_ptr<Platform> platform = startLinuxPlatform();
     const auto repository = openRepository(location(), systemNow);
-    Tracker tracker(*repository, *started.platform, systemNow);
+    Tracker tracker(*repository, *platform, systemNow);
     tracker.idleThreshold = Seconds{3};
     test::moveMouse(100, 100);
     tracker.start();
@@ -136,9 +136,9 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     };
     const test::Terminal window(u"Player"_s, u"player"_s);
     window.activate();
-    const LinuxPlatformStart started = startLinuxPlatform();
+    const std::unique_ptr<Platform> platform = startLinuxPlatform();
     const auto repository = openRepository(location(), systemNow);
-    Tracker tracker(*repository, *started.platform, systemNow);
+    Tracker tracker(*repository, *platform, systemNow);
     const auto records = [&] { return tracker.current().has_value(); };
     const auto recordsNot = [&] { return !tracker.current(); };
     tracker.start();
@@ -153,7 +153,7 @@ TEST_F(RecordingTest, HearsTheLoginManagerOfSleepOfLockAndOfWhoKeepsTheDisplayAw
     login.setLocked(u"auto"_s, false);
     EXPECT_TRUE(waitUntil(records));
 
-    const auto front = started.platform->workspace().frontmostApplication();
+    const auto front = platform->workspace().frontmostApplication();
     holdersAre(u"('idle', 'x', 'y', 'block', 0, %1)"_s.arg(front->processId));
     tracker.idleThreshold = Seconds{1};
     EXPECT_FALSE(waitUntil(recordsNot, 5000)) << "away, but the player keeps the display awake";

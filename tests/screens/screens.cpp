@@ -168,32 +168,76 @@ private:
                                          .tagIds = {1, 3}});
         renderWindow(model, commands, u"sheet-manual"_s);
         model.setManualDraft(std::nullopt);
-        m_platform.fakeAccessibility.granted = false;
-        model.refreshAccessibility();
-        renderWindow(model, commands, u"permission"_s);
-        renderUnseen(model, commands);
+        renderSessions(model, commands);
         m_platform.fakeSettings.booleans[u"welcomeShown"_s] = false;
         renderWindow(model, commands, u"welcome"_s);
+        m_platform.fakeAccessibility.become(beforePermission());
+        renderWindow(model, commands, u"welcome-permission"_s);
+        m_platform.fakeAccessibility.become(m_seen);
         model.toggleTracking();
         model.shiftDay(-1);
         render(std::make_unique<MenuBarView>(model, commands), u"panel-paused"_s);
     }
 
-    void renderUnseen(AppModel& model, Commands& commands) {
+    /// What is said where not all windows can be seen: the banner, the settings, the panel.
+    void renderSessions(AppModel& model, Commands& commands) {
+        Abilities afterLogin;
+        afterLogin.windows = afterLogin.titles = {
+            .kind = Ability::Kind::afterLogin,
+            .note = u"一度ログアウトして、ログインし直してください。それまでは何も記録されません。"_s};
+        afterLogin.lock.kind = Ability::Kind::yes;
+        Abilities partly = m_seen;
+        partly.source = u"アクセシビリティ"_s;
+        partly.windows = partly.titles = {
+            .kind = Ability::Kind::partly,
+            .note = u"自分のウィンドウをアクセシビリティに知らせないプログラム（一部のターミナル、ゲーム、"
+                    "動画プレーヤーなど）は記録されません。「許可する」を押すと、ブラウザや Qt のプログラムも"
+                    "記録されるようになります。"_s,
+            .mayBeRequested = true};
+        partly.addresses = {.kind = Ability::Kind::no,
+                            .note = u"「許可する」を押すと、読み取れるようになります。"_s,
+                            .mayBeRequested = true};
+        Abilities unseen;
+        unseen.windows.note = u"このデスクトップは手前のウィンドウを知らせないため、記録されません。"_s;
+        unseen.lock.kind = Ability::Kind::partly;
+        for (const auto& [name, abilities] :
+             {std::pair(u"permission"_s, beforePermission()), std::pair(u"after-login"_s, afterLogin),
+              std::pair(u"partial"_s, partly), std::pair(u"unseen"_s, unseen)}) {
+            renderSession(model, commands, name, abilities);
+        }
+        m_platform.fakeWorkspace.unseen.clear();
+        m_platform.fakeAccessibility.become(m_seen);
+    }
+
+    void renderSession(AppModel& model, Commands& commands, const QString& name, const Abilities& abilities) {
         const auto former = m_platform.fakeWorkspace;
-        m_platform.fakeWorkspace.front.reset();
-        m_platform.fakeWorkspace.unseen =
-            u"Wayland のセッションではウィンドウを見ることができないため、記録されません。"
-            "X11 のセッションでお使いください。"_s;
-        const auto look = [&model] {
-            model.stop();
-            model.start();
-        };
-        look();
-        renderWindow(model, commands, u"unseen"_s);
-        render(std::make_unique<MenuBarView>(model, commands), u"panel-unseen"_s);
+        if (abilities.windows.kind != Ability::Kind::partly) {
+            m_platform.fakeWorkspace.front.reset();
+            m_platform.fakeWorkspace.unseen = abilities.windows.note;
+        }
+        m_platform.fakeAccessibility.become(abilities);
+        model.stop();
+        model.start();
+        renderWindow(model, commands, name);
+        render(std::make_unique<MenuBarView>(model, commands), u"panel-"_s + name);
+        model.setScreen(SidebarItem::settings);
+        renderWindow(model, commands, u"settings-"_s + name, tall);
+        renderWindow(model, commands, u"settings-"_s + name, narrowAndTall);
+        model.setScreen(SidebarItem::timeline);
         m_platform.fakeWorkspace = former;
-        look();
+        model.stop();
+        model.start();
+    }
+
+    static Abilities beforePermission() {
+        Abilities abilities;
+        abilities.windows = abilities.titles = {
+            .kind = Ability::Kind::no,
+            .note = u"「許可する」を押すと、KESTU の GNOME 拡張機能がオンになり、記録が始まります。"_s,
+            .mayBeRequested = true};
+        abilities.addresses.note = u"ウィンドウがわからないあいだは、ページの URL も記録できません。"_s;
+        abilities.idle.kind = abilities.lock.kind = Ability::Kind::yes;
+        return abilities;
     }
 
     void renderWindow(AppModel& model, Commands& commands, const QString& name) {
@@ -237,6 +281,7 @@ private:
     QString m_theme;
     test::TemporaryStore m_store;
     test::FakePlatform m_platform;
+    const Abilities m_seen = m_platform.fakeAccessibility.able;
 };
 
 int renderInto(QApplication& application, const QDir& folder) {

@@ -157,7 +157,19 @@ struct FakeAccessibility final : Accessibility {
     bool grantsOnRequest = false;
     int requests = 0;
     int settingsOpened = 0;
-    Abilities able;
+    Abilities able{.source = QStringLiteral("X11"),
+                   .windows = {.kind = Ability::Kind::yes},
+                   .titles = {.kind = Ability::Kind::yes},
+                   .addresses = {.kind = Ability::Kind::yes},
+                   .idle = {.kind = Ability::Kind::yes},
+                   .lock = {.kind = Ability::Kind::yes}};
+
+    /// The session changes under way.
+    void become(const Abilities& other) {
+        able = other;
+        granted = able.titles.kind == Ability::Kind::yes;
+        Q_EMIT abilitiesChanged();
+    }
 
     [[nodiscard]] Abilities abilities() override { return able; }
     [[nodiscard]] bool isGranted() override { return granted; }
@@ -208,6 +220,15 @@ struct FakePlatform : Platform {
     FakeAppearance fakeAppearance;
     FakeSystemEvents events;
 
+    /// From now on no window can be seen, and that is why.
+    void loseSight(const QString& why, Ability::Kind kind = Ability::Kind::no) {
+        fakeWorkspace.unseen = why;
+        fakeWorkspace.front.reset();
+        Abilities unseen;
+        unseen.windows = unseen.titles = {.kind = kind, .note = why};
+        fakeAccessibility.become(unseen);
+    }
+
     [[nodiscard]] Workspace& workspace() override { return fakeWorkspace; }
     [[nodiscard]] BrowserScripting& browserScripting() override { return fakeScripting; }
     [[nodiscard]] UserInput& userInput() override { return fakeInput; }
@@ -219,6 +240,9 @@ struct FakePlatform : Platform {
     [[nodiscard]] Accessibility& accessibility() override { return fakeAccessibility; }
     [[nodiscard]] SoftwareUpdates& softwareUpdates() override { return fakeUpdates; }
     [[nodiscard]] Appearance& appearance() override { return fakeAppearance; }
+    [[nodiscard]] SystemWords words(const Abilities& abilities, const QString& dataFolder) const override {
+        return linuxWords(abilities, dataFolder);
+    }
 };
 
 } // namespace kestu::test

@@ -1,17 +1,23 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A made-up accessibility bus: `desk` is its launcher and registry, `program FILE` one program on it.
+"""A made-up accessibility bus: `desk` is its launcher and registry, `program FILE [NAME]` one program on it,
+which has that name on the session's bus.
 
 FILE describes the program's windows, one a line, and is read again with every question, so that a test changes
 the program by writing it: NAME|ATTRIBUTE|VALUE|LOOKS, with a * before the active one. The window's page has that
 attribute, and is found only after it was looked for in vain LOOKS times. A window that is only a name has no
 page. SESSION and ACCESSIBILITY in the environment are the buses' addresses.
+
+SIGUSR1 has a program say that its active window was activated, or its first one deactivated; SIGUSR2, that the name
+of its active window is another one.
 """
 
 import os
+import signal
 import sys
 
 import dbus
 import dbus.bus
+import dbus.lowlevel
 import dbus.mainloop.glib
 import dbus.service
 from gi.repository import GLib
@@ -19,6 +25,12 @@ from gi.repository import GLib
 REGISTRY = "org.a11y.atspi.Registry"
 ROOT = "/org/a11y/atspi/accessible/root"
 ACTIVE, SHOWING, WEB_DOCUMENT = 1, 25, 95
+
+
+def emit(bus, path, kind, event, detail=""):
+    message = dbus.lowlevel.SignalMessage(path, f"org.a11y.atspi.Event.{kind}", event)
+    message.append(detail, 0, 0, "", {}, signature="siiva{sv}")
+    bus.send_message(message)
 
 
 class Launcher(dbus.service.Object):
@@ -37,6 +49,11 @@ class Launcher(dbus.service.Object):
     def Set(self, interface, name, value):
         assert (interface, name) == ("org.a11y.Status", "IsEnabled")
         self.enabled = bool(value)
+        self.PropertiesChanged(interface, {name: value}, [])
+
+    @dbus.service.signal(dbus.PROPERTIES_IFACE, signature="sa{sv}as")
+    def PropertiesChanged(self, interface, changed, invalidated):
+        pass
 
 
 class Registry(dbus.service.Object):
@@ -56,6 +73,7 @@ class Registry(dbus.service.Object):
     @dbus.service.method(REGISTRY, in_signature="o", sender_keyword="sender")
     def Embed(self, path, sender):
         self.roots.append((sender, path))
+        emit(self.connection, ROOT, "Object", "ChildrenChanged", "add")
 
 
 class RegistryRoot(dbus.service.Object):
@@ -86,6 +104,20 @@ class Program(dbus.service.Object):
     def GetChildren(self):
         return dbus.Array([(self.bus.get_unique_name(), f"/{i}") for i in range(len(self.windows()))],
                           signature="(so)")
+
+
+    def active(self):
+        """The number of the active window; none where there is none."""
+        return next((i for i, window in enumerate(self.windows()) if window[0].startswith("*")), None)
+
+    def tell_activation(self):
+        active = self.active()
+        emit(self.bus, f"/{active or 0}", "Window", "Deactivate" if active is None else "Activate")
+        return True
+
+    def tell_name(self):
+        emit(self.bus, f"/{self.active() or 0}", "Object", "PropertyChange", "accessible-name")
+        return True
 
 
 class Window(dbus.service.Object):
@@ -140,7 +172,14 @@ def main():
         accessibility.request_name(REGISTRY)
         session.request_name("org.a11y.Bus")
     else:
-        kept = [Program(accessibility, sys.argv[2])]
+        program = Program(accessibility, sys.argv[2])
+        GLib.unix_signal_add(GLib.PRIORITY_DEFAULT, signal.SIGUSR1, program.tell_activation)
+        GLib.unix_signal_add(GLib.PRIORITY_DEFAULT, signal.SIGUSR2, program.tell_name)
+        kept = [program]
+        if len(sys.argv) > 3:
+            session = dbus.bus.BusConnection(os.environ["SESSION"])
+            session.request_name(sys.argv[3])
+            kept.append(session)
         accessibility.call_blocking(REGISTRY, "/org/a11y/atspi/registry", REGISTRY, "Embed", "o", (ROOT,))
     print("ready", file=sys.stderr, flush=True)
     loop.run()

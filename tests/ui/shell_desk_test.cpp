@@ -394,22 +394,37 @@ TEST_F(ShellTest, ShowsTheBannerUntilTitlesCanBeRead) {
 }
 
 TEST_F(ShellTest, SaysThatNoWindowCanBeSeenAsLongAsThatIsSo) {
-    platform.fakeWorkspace.unseen = u"Wayland のセッションです。"_s;
-    platform.fakeWorkspace.front.reset();
-    platform.fakeAccessibility.granted = false;
+    const QString why = u"手前のウィンドウがわかりません。"_s;
+    const Abilities seen = platform.fakeAccessibility.able;
+    platform.loseSight(why);
     launch();
     const auto told = [] { return isShown(u"ウィンドウを見られません"_s); };
     EXPECT_TRUE(told());
     EXPECT_TRUE(isShown(u"記録できません"_s));
-    EXPECT_TRUE(isShown(platform.fakeWorkspace.unseen)) << "why";
+    EXPECT_TRUE(isShown(why));
     EXPECT_FALSE(isShown(u"記録中"_s));
+    EXPECT_EQ(shell->statusItem().iconName(), u"clock.badge.xmark"_s);
     EXPECT_FALSE(isShown(u"許可する"_s)) << "a permission would not help";
+
+    Abilities askable = platform.fakeAccessibility.able;
+    askable.windows.mayBeRequested = true;
+    platform.fakeAccessibility.become(askable);
+    EXPECT_TRUE(isShown(u"許可する"_s)) << "here it would";
+    EXPECT_TRUE(isShown(u"ウィンドウを記録するには許可が必要です"_s));
+
+    Abilities partly = seen;
+    partly.windows = partly.titles = {.kind = Ability::Kind::partly, .note = u"端末は見えません。"_s};
     platform.fakeWorkspace.unseen.clear();
-    EXPECT_TRUE(waitUntil([&] { return !told() && isShown(u"記録中"_s); }, patience));
-    EXPECT_TRUE(isShown(u"許可する"_s));
+    platform.fakeAccessibility.become(partly);
+    EXPECT_TRUE(isShown(u"一部を記録中"_s)) << "at once";
+    EXPECT_TRUE(isShown(u"端末は見えません。"_s));
+    EXPECT_EQ(shell->statusItem().iconName(), u"clock.fill"_s);
+    platform.fakeAccessibility.become(seen);
+    EXPECT_TRUE(isShown(u"記録中"_s));
+    EXPECT_FALSE(isShown(u"許可する"_s));
 
     shell->window()->close();
-    platform.fakeWorkspace.unseen = u"Wayland のセッションです。"_s;
+    platform.loseSight(why);
     Commands commands(*model);
     MenuBarView panel(*model, commands);
     panel.show();

@@ -4,7 +4,9 @@
 #include <QDBusVariant>
 #include <QUuid>
 
+#include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace kestu {
 
@@ -37,8 +39,9 @@ QDBusMessage switchMessage(const QString& method, const QVariantList& value = {}
 
 } // namespace
 
-AccessibilityBus::AccessibilityBus(const QDBusConnection& session)
-    : m_session(session) {}
+AccessibilityBus::AccessibilityBus(const QDBusConnection& session, QStringList events)
+    : m_session(session)
+    , m_events(std::move(events)) {}
 
 AccessibilityBus::~AccessibilityBus() {
     close();
@@ -65,33 +68,66 @@ bool AccessibilityBus::enable() {
     }
 }
 
-std::optional<Accessible> AccessibilityBus::program(std::int64_t processId, const QDeadlineTimer& deadline) {
-    // The bus itself knows whose a connection is, so a program that hangs costs the others nothing here.
-    const QList<Accessible> roots = programs(deadline);
-    QList<QDBusMessage> questions;
-    for (const Accessible& root : roots) {
-        questions << accessible::processIdQuestion(root.service);
+bool AccessibilityBus::isOffered() {
+    const QString launcher = QStringLiteral("org.a11y.Bus");
+    const auto namesQuestion = [](const QString& method) {
+        return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                              QStringLiteral("/org/freedesktop/DBus"),
+                                              QStringLiteral("org.freedesktop.DBus"), method);
+    };
+    try {
+        const QList<QDBusMessage> replies =
+            m_session.askAll({namesQuestion(QStringLiteral("ListNames")),
+                              namesQuestion(QStringLiteral("ListActivatableNames"))},
+                             QDeadlineTimer(switchPatience));
+        return std::any_of(replies.begin(), replies.end(), [&launcher](const QDBusMessage& reply) {
+            return reply.signature() == u"as" && reply.arguments().first().toStringList().contains(launcher);
+        });
+    } catch (const NoAnswer&) {
+        return false;
     }
-    const QList<QDBusMessage> replies = askAll(questions, deadline);
-    for (qsizetype i = 0; i < roots.size(); ++i) {
-        if (accessible::readProcessId(replies.at(i)) == processId) {
-            return roots.at(i);
-        }
-    }
-    return std::nullopt;
 }
 
-QList<Accessible> AccessibilityBus::programs(const QDeadlineTimer& deadline) {
+std::optional<Accessible> AccessibilityBus::program(std::int64_t processId, const QDeadlineTimer& deadline) {
+    const QList<AccessibleProgram> all = programs(deadline);
+    const auto found = std::find_if(all.begin(), all.end(), [processId](const AccessibleProgram& program) {
+        return program.processId == processId;
+    });
+    return found == all.end() ? std::nullopt : std::optional(found->root);
+}
+
+QList<AccessibleProgram> AccessibilityBus::programs(const QDeadlineTimer& deadline) {
     const QList<QDBusMessage> replies = askAll(
         {accessible::childrenQuestion(accessible::registryRoot()), accessible::registryOwnerQuestion()},
         deadline);
     // The registry starts with the first program and may start again; each one has to be told once.
     const QString registry = accessible::readOwner(replies.last());
-    if (!registry.isEmpty() && registry != m_listeningRegistry &&
-        ask(accessible::listenForActivation(), deadline).type() == QDBusMessage::ReplyMessage) {
+    if (!registry.isEmpty() && registry != m_listeningRegistry && listen(deadline)) {
         m_listeningRegistry = registry;
     }
-    return accessible::readAccessibles(replies.first());
+    const QList<Accessible> roots = accessible::readAccessibles(replies.first());
+    // The bus itself knows whose a connection is, so a program that hangs costs the others nothing here.
+    QList<QDBusMessage> questions;
+    for (const Accessible& root : roots) {
+        questions << accessible::processIdQuestion(root.service);
+    }
+    const QList<QDBusMessage> processIds = askAll(questions, deadline);
+    QList<AccessibleProgram> programs;
+    for (qsizetype i = 0; i < roots.size(); ++i) {
+        programs << AccessibleProgram{.root = roots.at(i),
+                                      .processId = accessible::readProcessId(processIds.at(i)).value_or(0)};
+    }
+    return programs;
+}
+
+bool AccessibilityBus::listen(const QDeadlineTimer& deadline) {
+    QList<QDBusMessage> requests;
+    for (const QString& event : m_events) {
+        requests << accessible::listenFor(event);
+    }
+    const QList<QDBusMessage> replies = askAll(requests, deadline);
+    return std::all_of(replies.begin(), replies.end(),
+                       [](const QDBusMessage& reply) { return reply.type() == QDBusMessage::ReplyMessage; });
 }
 
 QList<QDBusMessage> AccessibilityBus::askAll(const QList<QDBusMessage>& questions,
@@ -118,6 +154,10 @@ void AccessibilityBus::open(const QDeadlineTimer& deadline) {
     if (!m_bus->isConnected()) {
         throw NoAnswer();
     }
+}
+
+std::optional<QDBusConnection> AccessibilityBus::connection() const {
+    return m_bus && m_bus->isConnected() ? std::optional(QDBusConnection(m_connectionName)) : std::nullopt;
 }
 
 void AccessibilityBus::close() {

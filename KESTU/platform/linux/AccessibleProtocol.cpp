@@ -96,12 +96,12 @@ Accessible registryRoot() {
             .path = QStringLiteral("/org/a11y/atspi/accessible/root")};
 }
 
-QDBusMessage listenForActivation() {
+QDBusMessage listenFor(const QString& event) {
     return question({.service = registryRoot().service,
                      .path = QStringLiteral("/org/a11y/atspi/registry"),
                      .interface = QStringLiteral("org.a11y.atspi.Registry"),
                      .method = QStringLiteral("RegisterEvent")},
-                    {QStringLiteral("window:activate"), QStringList(), QString()});
+                    {event, QStringList(), QString()});
 }
 
 QDBusMessage registryOwnerQuestion() {

@@ -27,9 +27,19 @@ namespace accessible {
 /// The root of all programs, whose children are the programs' roots.
 [[nodiscard]] Accessible registryRoot();
 
-/// Asks the registry to have window activation announced; as long as nobody listens, Chromium does not mark
-/// the active one of its windows.
-[[nodiscard]] QDBusMessage listenForActivation();
+/// Kinds of events, as the registry calls them. As long as nobody listens for activation, Chromium does not
+/// mark the active one of its windows.
+inline const QString windowActivation = QStringLiteral("window:activate");
+inline const QString windowDeactivation = QStringLiteral("window:deactivate");
+inline const QString windowEnd = QStringLiteral("window:destroy");
+inline const QString nameChange = QStringLiteral("object:property-change:accessible-name");
+
+/// The interfaces of the signals that tell of them.
+inline const QString windowEvents = QStringLiteral("org.a11y.atspi.Event.Window");
+inline const QString objectEvents = QStringLiteral("org.a11y.atspi.Event.Object");
+
+/// Asks the registry to have that kind of event announced by all programs.
+[[nodiscard]] QDBusMessage listenFor(const QString& event);
 
 /// Which connection is the registry now: a reply itself does not tell.
 [[nodiscard]] QDBusMessage registryOwnerQuestion();

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace kestu {
 
@@ -20,11 +21,7 @@ constexpr auto wholeWait = 1s;
 constexpr auto betweenLooks = 50ms;
 constexpr std::size_t mostAcquaintances = 16;
 
-struct Window {
-    Accessible object;
-    QString name;
-    bool isActive = false;
-};
+using Window = AccessibleWindow;
 
 QList<Window> windowsOf(AccessibilityBus& bus, const Accessible& program, const QDeadlineTimer& deadline) {
     const QList<Accessible> objects =
@@ -61,6 +58,17 @@ std::optional<Window> frontWindow(const QList<Window>& windows, const QString& t
     return candidates.size() == 1 ? std::optional(candidates.first()) : std::nullopt;
 }
 
+/// The one of several that is in front, when nothing but the title is known of it; absent when it may be any.
+std::optional<Window> onlyWindow(const QList<Window>& windows) {
+    if (windows.size() == 1) {
+        return windows.first();
+    }
+    QList<Window> active;
+    std::copy_if(windows.begin(), windows.end(), std::back_inserter(active),
+                 [](const Window& window) { return window.isActive; });
+    return active.size() == 1 ? std::optional(active.first()) : std::nullopt;
+}
+
 /// Empty while the document has no address of its own: "about:blank" is what every page is until it loads.
 QString addressIn(const QMap<QString, QString>& attributes) {
     static const QStringList spellings{QStringLiteral("DocURL"), QStringLiteral("URI")}; // Firefox, Chromium
@@ -75,8 +83,10 @@ QString addressIn(const QMap<QString, QString>& attributes) {
 
 } // namespace
 
-BrowserAddress::BrowserAddress(AccessibilityBus& bus)
-    : m_bus(bus) {}
+BrowserAddress::BrowserAddress(AccessibilityBus& bus, ApplicationIds::EntrySource entries,
+                               const QString& procRoot)
+    : m_bus(bus)
+    , m_ids(std::move(entries), procRoot) {}
 
 std::vector<BrowserScript> BrowserAddress::furtherBrowsers() const {
     return {{.bundleId = QStringLiteral("org.mozilla.firefox"),
@@ -87,7 +97,7 @@ std::vector<BrowserScript> BrowserAddress::furtherBrowsers() const {
 
 std::optional<QString> BrowserAddress::run(const AddressRequest& request) {
     // Asking ourselves could only time out: this thread is the one that would answer.
-    if (request.processId <= 0 || request.processId == QCoreApplication::applicationPid()) {
+    if (request.processId == QCoreApplication::applicationPid()) {
         return std::nullopt;
     }
     const QDeadlineTimer deadline(wholeWait);
@@ -95,7 +105,7 @@ std::optional<QString> BrowserAddress::run(const AddressRequest& request) {
     if (isPrivateWindow(request.title)) {
         return std::nullopt;
     }
-    Acquaintance& browser = acquaintance(request.processId);
+    Acquaintance& browser = acquaintance(request);
     // A browser that is not on the bus (a Chromium without its start flag) or that was only just told to join
     // makes the main thread wait once, not with every change of its title.
     const bool mayWait = browser.gaveAddress || !browser.waitedInVain;
@@ -128,19 +138,30 @@ QString BrowserAddress::waitForAddress(const AddressRequest& request, bool mayWa
 }
 
 BrowserAddress::Sight BrowserAddress::lookAt(const AddressRequest& request, const QDeadlineTimer& deadline) {
+    if (request.processId <= 0) {
+        const QList<Window> windows = windowsTitled(request, deadline);
+        // One of that title is private, and it may be the one.
+        if (std::any_of(windows.begin(), windows.end(),
+                        [](const Window& window) { return isPrivateWindow(window.name); })) {
+            return {.isPrivate = true, .address = {}};
+        }
+        const auto window = onlyWindow(windows);
+        return window ? lookIn(*window, deadline) : Sight{};
+    }
     const auto program = m_bus.program(request.processId, deadline);
     if (!program) {
         return {};
     }
     const auto window = frontWindow(windowsOf(m_bus, *program, deadline), request.title);
-    if (!window) {
-        return {};
-    }
-    if (isPrivateWindow(window->name)) {
+    return window ? lookIn(*window, deadline) : Sight{};
+}
+
+BrowserAddress::Sight BrowserAddress::lookIn(const Window& window, const QDeadlineTimer& deadline) {
+    if (isPrivateWindow(window.name)) {
         return {.isPrivate = true, .address = {}};
     }
     const QList<Accessible> pages =
-        accessible::readAccessibles(m_bus.ask(accessible::shownPageQuestion(window->object), deadline));
+        accessible::readAccessibles(m_bus.ask(accessible::shownPageQuestion(window.object), deadline));
     if (pages.isEmpty()) {
         return {};
     }
@@ -149,17 +170,45 @@ BrowserAddress::Sight BrowserAddress::lookAt(const AddressRequest& request, cons
     return {.isPrivate = false, .address = addressIn(accessible::readAttributes(attributes))};
 }
 
-BrowserAddress::Acquaintance& BrowserAddress::acquaintance(std::int64_t processId) {
+/// The windows of all programs that are this browser and bear that title: exactly, or, where none does, with
+/// the browser's own words around it.
+QList<AccessibleWindow> BrowserAddress::windowsTitled(const AddressRequest& request,
+                                                      const QDeadlineTimer& deadline) {
+    QList<Window> exact;
+    QList<Window> around;
+    if (request.title.isEmpty()) {
+        return {};
+    }
+    for (const auto& [root, processId] : m_bus.programs(deadline)) {
+        if (processId <= 0 || processId == QCoreApplication::applicationPid() ||
+            m_ids.of({.processId = processId}).bundleId != request.bundleId) {
+            continue;
+        }
+        for (const Window& window : windowsOf(m_bus, root, deadline)) {
+            if (window.name == request.title) {
+                exact << window;
+            } else if (window.name.contains(request.title)) {
+                around << window;
+            }
+        }
+    }
+    return exact.isEmpty() ? around : exact;
+}
+
+BrowserAddress::Acquaintance& BrowserAddress::acquaintance(const AddressRequest& request) {
     const auto known =
-        std::find_if(m_acquaintances.begin(), m_acquaintances.end(),
-                     [processId](const Acquaintance& browser) { return browser.processId == processId; });
+        std::find_if(m_acquaintances.begin(), m_acquaintances.end(), [&request](const Acquaintance& browser) {
+            return browser.processId == request.processId &&
+                   (request.processId > 0 || browser.bundleId == request.bundleId);
+        });
     if (known != m_acquaintances.end()) {
         return *known;
     }
     if (m_acquaintances.size() == mostAcquaintances) {
         m_acquaintances.pop_front();
     }
-    return m_acquaintances.emplace_back(Acquaintance{.processId = processId});
+    return m_acquaintances.emplace_back(
+        Acquaintance{.processId = request.processId, .bundleId = request.bundleId});
 }
 
 } // namespace kestu

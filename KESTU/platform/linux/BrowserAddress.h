@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The address of the page that a browser shows, from the accessibility bus: of the document that is showing
-// in the browser's active window. Owned by the Linux platform, together with the bus.
+// in the browser's active window. Where the session does not tell whose process the window in front is, it is
+// the window of that title among the windows of that browser. Owned by the Linux platform, together with the
+// bus.
 #pragma once
 
 #include "platform/BrowserScripting.h"
 #include "platform/linux/AccessibilityBus.h"
+#include "platform/linux/ApplicationResolver.h"
 
 #include <QDeadlineTimer>
 #include <QString>
@@ -17,10 +20,18 @@
 
 namespace kestu {
 
+struct AccessibleWindow {
+    Accessible object;
+    QString name;
+    bool isActive = false;
+};
+
 class BrowserAddress final : public BrowserScripting {
 public:
-    /// `bus` must outlive this.
-    explicit BrowserAddress(AccessibilityBus& bus);
+    /// `bus` must outlive this. `entries` and `procRoot` tell which programs are which browser.
+    explicit BrowserAddress(AccessibilityBus& bus,
+                            ApplicationIds::EntrySource entries = installedDesktopEntries,
+                            const QString& procRoot = QStringLiteral("/proc"));
     BrowserAddress(const BrowserAddress&) = delete;
     BrowserAddress& operator=(const BrowserAddress&) = delete;
 
@@ -40,7 +51,8 @@ private:
 
     /// What is known of a browser that was asked before.
     struct Acquaintance {
-        std::int64_t processId = 0;
+        std::int64_t processId = 0; // 0 when unknown; it is known by its id then
+        QString bundleId;
         bool gaveAddress = false;
         bool waitedInVain = false;
     };
@@ -49,9 +61,13 @@ private:
     [[nodiscard]] QString waitForAddress(const AddressRequest& request, bool mayWait,
                                          const QDeadlineTimer& deadline);
     [[nodiscard]] Sight lookAt(const AddressRequest& request, const QDeadlineTimer& deadline);
-    [[nodiscard]] Acquaintance& acquaintance(std::int64_t processId);
+    [[nodiscard]] Sight lookIn(const AccessibleWindow& window, const QDeadlineTimer& deadline);
+    [[nodiscard]] QList<AccessibleWindow> windowsTitled(const AddressRequest& request,
+                                                        const QDeadlineTimer& deadline);
+    [[nodiscard]] Acquaintance& acquaintance(const AddressRequest& request);
 
     AccessibilityBus& m_bus;
+    ApplicationIds m_ids;
     bool m_isSwitchedOn = false;
     std::deque<Acquaintance> m_acquaintances; // the oldest first, a handful
 };

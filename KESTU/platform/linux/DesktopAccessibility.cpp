@@ -4,6 +4,7 @@
 #include "platform/PlatformError.h"
 #include "platform/linux/AccessibilityBus.h"
 #include "platform/linux/DesktopSession.h"
+#include "platform/linux/LinuxSystemEvents.h"
 #include "platform/linux/ReaderSwitch.h"
 
 #include <QDir>
@@ -13,6 +14,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 
 namespace kestu {
@@ -35,6 +37,11 @@ constexpr std::array<SettingsProgram, 7> settingsPrograms{{
     {.desktop = u"XFCE", .program = u"xfce4-accessibility-settings", .page = {}},
 }};
 
+constexpr std::array<SettingsProgram, 2> extensionPrograms{{
+    {.desktop = u"GNOME", .program = u"gnome-extensions-app", .page = {}},
+    {.desktop = u"GNOME", .program = u"extension-manager", .page = {}},
+}};
+
 bool start(const SettingsProgram& settings) {
     const QString path = QStandardPaths::findExecutable(settings.program.toString());
     const QStringList page = settings.page.isEmpty() ? QStringList() : QStringList(settings.page.toString());
@@ -52,9 +59,13 @@ bool start(const SettingsProgram& settings) {
 
 } // namespace
 
-DesktopAccessibility::DesktopAccessibility(AccessibilityBus& bus, DesktopSession& session)
+DesktopAccessibility::DesktopAccessibility(AccessibilityBus& bus, DesktopSession& session,
+                                           const LinuxSystemEvents& events)
     : m_bus(bus)
-    , m_session(session) {}
+    , m_session(session)
+    , m_events(events) {
+    connect(&m_session, &DesktopSession::abilitiesChanged, this, &Accessibility::abilitiesChanged);
+}
 
 bool DesktopAccessibility::isGranted() {
     return m_session.titles().kind == Ability::Kind::yes;
@@ -68,20 +79,49 @@ bool DesktopAccessibility::request() {
 }
 
 Abilities DesktopAccessibility::abilities() {
-    const bool isBusOn = m_bus.isEnabled();
+    const Ability windows = m_session.windows();
     return {.source = m_session.source(),
-            .windows = m_session.windows(),
+            .windows = windows,
             .titles = m_session.titles(),
-            .addresses = {.kind = isBusOn ? Ability::Kind::yes : Ability::Kind::no},
+            .addresses = addresses(windows.kind),
             .idle = m_session.idle(),
-            .lock = {.kind = Ability::Kind::yes}};
+            .lock = m_events.lock()};
+}
+
+Ability DesktopAccessibility::addresses(Ability::Kind windows) {
+    if (windows == Ability::Kind::no || windows == Ability::Kind::afterLogin) {
+        return {.kind = windows,
+                .note = QStringLiteral("ウィンドウがわからないあいだは、ページの URL も記録できません。")};
+    }
+    if (!m_bus.isOffered()) {
+        return {.note = QStringLiteral("ブラウザの URL を読み取るには、at-spi2-core パッケージを"
+                                       "インストールしてください。")};
+    }
+    if (m_bus.isEnabled()) {
+        return {.kind = Ability::Kind::yes};
+    }
+    if (windows == Ability::Kind::partly) { // browsers themselves are not seen then
+        return {.note = QStringLiteral("「許可する」を押すと、読み取れるようになります。"),
+                .mayBeRequested = true};
+    }
+    return {.kind = Ability::Kind::yes,
+            .note = QStringLiteral("ブラウザが前面に来ると、アクセシビリティがオンになります。")};
 }
 
 void DesktopAccessibility::openSettings() {
     const QStringList running = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
+    const auto isRunning = [&running](const SettingsProgram& settings) {
+        return running.contains(settings.desktop, Qt::CaseInsensitive);
+    };
+    if (m_session.windows().kind != Ability::Kind::yes &&
+        std::ranges::any_of(extensionPrograms, [&isRunning](const SettingsProgram& settings) {
+            return isRunning(settings) && start(settings);
+        })) {
+        return;
+    }
     for (const bool isOfRunning : {true, false}) {
         for (const SettingsProgram& settings : settingsPrograms) {
-            if (running.contains(settings.desktop, Qt::CaseInsensitive) == isOfRunning && start(settings)) {
+            if (isRunning(settings) == isOfRunning && start(settings)) {
                 return;
             }
         }

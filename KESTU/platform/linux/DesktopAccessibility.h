@@ -10,11 +10,12 @@ namespace kestu {
 
 class AccessibilityBus;
 class DesktopSession;
+class LinuxSystemEvents;
 
 class DesktopAccessibility final : public Accessibility {
 public:
-    /// Both must outlive this.
-    DesktopAccessibility(AccessibilityBus& bus, DesktopSession& session);
+    /// What is asked must outlive this.
+    DesktopAccessibility(AccessibilityBus& bus, DesktopSession& session, const LinuxSystemEvents& events);
     DesktopAccessibility(const DesktopAccessibility&) = delete;
     DesktopAccessibility& operator=(const DesktopAccessibility&) = delete;
 
@@ -26,12 +27,16 @@ public:
 
     [[nodiscard]] Abilities abilities() override;
 
-    /// The settings of the running desktop; those of another one when only they are installed.
+    /// The settings of the running desktop; those of another one when only they are installed. Where GNOME's
+    /// windows cannot be seen, those of its extensions.
     void openSettings() override;
 
 private:
+    [[nodiscard]] Ability addresses(Ability::Kind windows);
+
     AccessibilityBus& m_bus;
     DesktopSession& m_session;
+    const LinuxSystemEvents& m_events;
 };
 
 } // namespace kestu

@@ -76,7 +76,7 @@ public:
         , m_browserAddress(m_accessibilityBus)
         , m_settings(userSettingsPath())
         , m_loginItem(userAutostartFolder(), QCoreApplication::applicationFilePath())
-        , m_accessibility(m_accessibilityBus, *m_session)
+        , m_accessibility(m_accessibilityBus, *m_session, m_systemEvents)
         , m_softwareUpdates(QDBusConnection::systemBus())
         , m_appearance(QDBusConnection::sessionBus(), connectForAppearance, toolkitSettingsFiles()) {
         QObject::connect(m_session.get(), &DesktopSession::activated, &m_systemEvents,
@@ -96,6 +96,9 @@ public:
     [[nodiscard]] Accessibility& accessibility() override { return m_accessibility; }
     [[nodiscard]] SoftwareUpdates& softwareUpdates() override { return m_softwareUpdates; }
     [[nodiscard]] Appearance& appearance() override { return m_appearance; }
+    [[nodiscard]] SystemWords words(const Abilities& abilities, const QString& dataFolder) const override {
+        return linuxWords(abilities, dataFolder);
+    }
 
 private:
     static std::unique_ptr<Xcb> connectForAppearance() {
@@ -123,10 +126,8 @@ bool isDisplayReachable() {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || Xcb::connect(why) != nullptr;
 }
 
-LinuxPlatformStart startLinuxPlatform() {
-    auto platform = std::make_unique<LinuxPlatform>();
-    QString warning = platform->workspace().whyUnseen();
-    return {.platform = std::move(platform), .warning = std::move(warning)};
+std::unique_ptr<Platform> startLinuxPlatform() {
+    return std::make_unique<LinuxPlatform>();
 }
 
 } // namespace kestu

@@ -5,20 +5,13 @@
 
 #include "platform/Platform.h"
 
-#include <QString>
-
 #include <memory>
 
 namespace kestu {
 
-struct LinuxPlatformStart {
-    std::unique_ptr<Platform> platform;
-    QString warning; // what cannot be seen in this session, for the user; empty when all can
-};
-
-/// The platform of this session. Always one that works: in a session whose windows cannot be seen (Wayland,
-/// or no X server) nothing is ever in front, and the warning says why.
-[[nodiscard]] LinuxPlatformStart startLinuxPlatform();
+/// The platform of this session. Always one that works: in a session whose windows cannot be seen nothing is
+/// ever in front, and the workspace says why.
+[[nodiscard]] std::unique_ptr<Platform> startLinuxPlatform();
 
 /// Whether there is a screen to show anything on.
 [[nodiscard]] bool isDisplayReachable();

@@ -36,6 +36,19 @@ bool LinuxSystemEvents::isHeldNow() {
     return isHeld();
 }
 
+Ability LinuxSystemEvents::lock() const {
+    if (m_screenSavers.isAnyThere()) {
+        return {.kind = Ability::Kind::yes};
+    }
+    if (m_loginManager.knowsSession()) {
+        return {.kind = Ability::Kind::partly,
+                .note = QStringLiteral("画面をロックするプログラムがシステムに知らせたときだけわかります。"
+                                       "知らせないときは、操作のない時間として切り取ります。")};
+    }
+    return {.note = QStringLiteral("ログインマネージャー（systemd-logind など）が見つかりません。"
+                                   "ロック中は、操作のない時間として切り取ります。")};
+}
+
 void LinuxSystemEvents::noteSleep() {
     note(HoldReason::asleep, m_loginManager.isAsleep());
 }

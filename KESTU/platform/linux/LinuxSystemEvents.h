@@ -4,6 +4,7 @@
 // into the events that the tracker hears. The Linux platform owns one. Any of the sources may be missing.
 #pragma once
 
+#include "platform/Abilities.h"
 #include "platform/SystemEvents.h"
 #include "platform/linux/DisplayPower.h"
 #include "platform/linux/LoginManager.h"
@@ -32,6 +33,9 @@ public:
 
     /// What this finds is in its answer and not told as an event too.
     [[nodiscard]] bool isHeldNow() override;
+
+    /// Whether a locked screen can be told.
+    [[nodiscard]] Ability lock() const;
 
     /// Another window came to the front.
     void noteActivation() { Q_EMIT applicationActivated(); }

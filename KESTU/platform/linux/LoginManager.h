@@ -33,6 +33,8 @@ public:
     /// until it is.
     void ask();
 
+    /// Whether there is a login manager that knows our session.
+    [[nodiscard]] bool knowsSession() const { return !m_isGone && !m_session.isEmpty(); }
     [[nodiscard]] bool isAsleep() const { return m_asleep; }
     [[nodiscard]] bool isLocked() const { return m_locked; }
 

@@ -23,6 +23,7 @@ ScreenSaver::ScreenSaver(const QDBusConnection& sessionBus, QString service, QSt
             [this](const QString&, const QString&, const QString& newOwner) {
                 // The windows are seen again when a locker crashes, whatever its last word was; one that
                 // takes its place may cover them already.
+                m_isThere = false;
                 setActive(false);
                 if (!newOwner.isEmpty()) {
                     askLater();
@@ -36,6 +37,7 @@ ScreenSaver::ScreenSaver(const QDBusConnection& sessionBus, QString service, QSt
 
 void ScreenSaver::ask(const QDeadlineTimer& deadline) {
     const auto reply = callBus(m_bus, getActive(), {}, deadline);
+    m_isThere = reply.has_value();
     setActive(reply && saysActive(*reply));
     if (!reply) {
         askLater(); // the desktop may still be starting, or another saver took all the time
@@ -43,8 +45,10 @@ void ScreenSaver::ask(const QDeadlineTimer& deadline) {
 }
 
 void ScreenSaver::askLater() {
-    callBusLater(m_bus, getActive(), {}, this,
-                 [this](const QVariantList& reply) { setActive(saysActive(reply)); });
+    callBusLater(m_bus, getActive(), {}, this, [this](const QVariantList& reply) {
+        m_isThere = true;
+        setActive(saysActive(reply));
+    });
 }
 
 BusMethod ScreenSaver::getActive() const {

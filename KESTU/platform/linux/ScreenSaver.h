@@ -22,6 +22,8 @@ public:
     /// One that does not answer in time counts as not active until it does.
     void ask(const QDeadlineTimer& deadline);
 
+    /// Whether it has answered and still runs.
+    [[nodiscard]] bool isThere() const { return m_isThere; }
     [[nodiscard]] bool isActive() const { return m_isActive; }
 
 Q_SIGNALS:
@@ -39,6 +41,7 @@ private:
     QStringList m_paths;
     QString m_interface;
     QDBusServiceWatcher m_watcher;
+    bool m_isThere = false;
     bool m_isActive = false;
 };
 

@@ -54,6 +54,10 @@ void ScreenSavers::ask() {
     }
 }
 
+bool ScreenSavers::isAnyThere() const {
+    return std::ranges::any_of(m_savers, [](const auto& saver) { return saver->isThere(); });
+}
+
 bool ScreenSavers::isActive() const {
     return std::ranges::any_of(m_savers, [](const auto& saver) { return saver->isActive(); });
 }

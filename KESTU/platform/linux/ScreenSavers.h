@@ -24,6 +24,8 @@ public:
     /// Asks them again, as at the start. One that does not answer in time counts as not active until it does.
     void ask();
 
+    /// Whether any runs that would tell.
+    [[nodiscard]] bool isAnyThere() const;
     [[nodiscard]] bool isActive() const;
 
 Q_SIGNALS:

@@ -102,4 +102,18 @@ QColor tagColor(const AppModel& model, TagId id) {
     return tag ? colorFromText(tag->colorHex) : QColor(Qt::gray);
 }
 
+bool seesAll(const AppModel& model) {
+    return model.whyUnseen().isEmpty() && model.abilities().windows.kind != Ability::Kind::partly;
+}
+
+QString trackingStateText(const AppModel& model) {
+    if (!model.isTracking()) {
+        return QStringLiteral("一時停止中");
+    }
+    if (!model.whyUnseen().isEmpty()) {
+        return QStringLiteral("記録できません");
+    }
+    return seesAll(model) ? QStringLiteral("記録中") : QStringLiteral("一部を記録中");
+}
+
 } // namespace kestu

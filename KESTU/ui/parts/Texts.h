@@ -47,4 +47,9 @@ void tellKeys(QWidget& control, const QString& name, const QKeySequence& keys);
 [[nodiscard]] QString tagName(const AppModel& model, TagId id);
 [[nodiscard]] QColor tagColor(const AppModel& model, TagId id);
 
+/// Whether every window can be recorded, as far as the session goes.
+[[nodiscard]] bool seesAll(const AppModel& model);
+/// Whether KESTU records, in a word: the sidebar is narrow.
+[[nodiscard]] QString trackingStateText(const AppModel& model);
+
 } // namespace kestu

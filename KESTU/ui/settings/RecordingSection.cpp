@@ -6,6 +6,7 @@
 #include "ui/controls/Stepper.h"
 #include "ui/controls/SwitchButton.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/parts/Texts.h"
 
 #include <QHBoxLayout>
 
@@ -72,6 +73,37 @@ QWidget* makeSwitchRow(AppModel& model, const Toggle& toggle, const QString& tex
     return makeRow(label, makeSwitch(model, toggle, label));
 }
 
+QWidget* makeTexts(TextLabel* label, TextLabel* note) {
+    auto* texts = new QWidget;
+    auto* column = new QVBoxLayout(texts);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(2);
+    column->addWidget(label);
+    column->addWidget(note);
+    return texts;
+}
+
+/// The switch says what is wanted; what cannot be had is said below it.
+QWidget* makeTrackingRow(AppModel& model) {
+    auto* label = new TextLabel(QStringLiteral("記録する"), TextStyle::callout, ink::primary, Overflow::wrap);
+    auto* note = new TextLabel({}, TextStyle::caption, ink::orange, Overflow::wrap);
+    QWidget* row = makeRow(makeTexts(label, note), makeSwitch(model, tracking, label));
+    const auto refresh = [&model, note] {
+        const QString& warning = model.words().warning;
+        const QString unseen = trackingStateText(model) + QStringLiteral("：") + warning;
+        note->setText(!model.isTracking() || seesAll(model) ? QString()
+                      : model.whyUnseen().isEmpty()         ? warning
+                                                            : unseen);
+        note->setHidden(note->text().isEmpty());
+    };
+    for (const auto signal :
+         {&AppModel::isTrackingChanged, &AppModel::whyUnseenChanged, &AppModel::abilitiesChanged}) {
+        QObject::connect(&model, signal, note, refresh);
+    }
+    refresh();
+    return row;
+}
+
 QWidget* makeKeepAliveRow(AppModel& model) {
     auto* label = new TextLabel(QStringLiteral("会議・動画のあいだは、操作がなくても記録する"),
                                 TextStyle::callout, ink::primary, Overflow::wrap);
@@ -79,16 +111,10 @@ QWidget* makeKeepAliveRow(AppModel& model) {
         QStringLiteral("Zoom・Teams・FaceTime・動画アプリ、YouTube "
                        "などのサイト、動画を再生しているアプリが対象。3時間操作がなければ止めます。"),
         TextStyle::caption, ink::secondary, Overflow::wrap);
-    auto* texts = new QWidget;
-    auto* column = new QVBoxLayout(texts);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(2);
-    column->addWidget(label);
-    column->addWidget(note);
     SwitchButton* control = makeSwitch(model, keepAlive, note);
     control->setLabel(label); // the name; the note switches, too
     control->setAccessibleDescription(note->text());
-    return makeRow(texts, control);
+    return makeRow(makeTexts(label, note), control);
 }
 
 QWidget* makeIdleRow(AppModel& model) {
@@ -110,7 +136,7 @@ QWidget* makeIdleRow(AppModel& model) {
 
 FormSection* makeRecordingSection(AppModel& model) {
     auto* section = new FormSection(QStringLiteral("記録"), Card::Kind::outer);
-    section->addRow(makeSwitchRow(model, tracking, QStringLiteral("記録する")));
+    section->addRow(makeTrackingRow(model));
     section->addRow(makeIdleRow(model));
     section->addRow(makeKeepAliveRow(model));
     section->addRow(makeSwitchRow(model, atLogin, QStringLiteral("ログイン時に起動")));

@@ -197,6 +197,33 @@ TEST_F(SettingsScreenTest, TheSnippetsAreCopiedToTheCharacter) {
     EXPECT_FALSE(test::isShown(u"コピーしました"_s));
 }
 
+TEST_F(SettingsScreenTest, ThePermissionSaysWhatThisSessionCanTell) {
+    const auto tells = [](const QString& what, Ability::Kind kind) {
+        return test::isShown(what + u"："_s + abilityText(kind));
+    };
+    for (const QString& what :
+         {u"前面のウィンドウ（X11）"_s, u"ブラウザの URL"_s, u"操作のない時間"_s, u"画面のロック"_s}) {
+        EXPECT_TRUE(tells(what, Ability::Kind::yes)) << what.toStdString();
+    }
+    const QString unseen = u"記録できません：ウィンドウを見られません"_s;
+    EXPECT_FALSE(test::isShown(unseen));
+
+    platform.loseSight(u"次のログインからわかります。"_s, Ability::Kind::afterLogin);
+    EXPECT_TRUE(tells(u"前面のウィンドウ"_s, Ability::Kind::afterLogin));
+    EXPECT_TRUE(tells(u"操作のない時間"_s, Ability::Kind::no));
+    EXPECT_TRUE(test::isShown(u"次のログインからわかります。"_s));
+    EXPECT_TRUE(isOn(u"記録する"_s)) << "that is wanted";
+    EXPECT_TRUE(test::isShown(u"記録できません：次のログインから記録します"_s)) << "and cannot be had";
+    EXPECT_FALSE(test::isShown(u"許可する"_s));
+
+    Abilities askable = platform.fakeAccessibility.able;
+    askable.windows = {
+        .kind = Ability::Kind::no, .note = u"押すとオンになります。"_s, .mayBeRequested = true};
+    platform.fakeAccessibility.become(askable);
+    click(u"許可する"_s);
+    EXPECT_EQ(platform.fakeAccessibility.requests, 1);
+}
+
 TEST_F(SettingsScreenTest, ThePermissionAndTheFolderAreThoseThatHold) {
     EXPECT_TRUE(test::isShown(u"許可済み"_s));
     platform.fakeAccessibility.granted = false;
@@ -206,6 +233,8 @@ TEST_F(SettingsScreenTest, ThePermissionAndTheFolderAreThoseThatHold) {
     EXPECT_EQ(platform.fakeAccessibility.settingsOpened, 1);
     const QString folder = QFileInfo(store.path).canonicalPath();
     EXPECT_TRUE(test::isShown(folder));
+    EXPECT_TRUE(test::isShown(model->words().dataNote)) << "which names that folder";
+    EXPECT_TRUE(model->words().dataNote.contains(folder));
     click(u"保存場所を開く"_s);
     EXPECT_EQ(platform.fakeOpener.folders, QStringList(folder));
 }

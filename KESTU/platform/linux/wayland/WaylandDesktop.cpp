@@ -45,20 +45,36 @@ WaylandDesktop::WaylandDesktop(std::vector<std::unique_ptr<WindowSource>> source
 }
 
 void WaylandDesktop::choose() {
-    const auto found = std::ranges::find_if(m_sources, [](const auto& source) { return canTell(*source); });
-    WindowSource* chosen = found == m_sources.end() ? nullptr : found->get();
+    WindowSource* chosen = nullptr;
+    for (const auto& source : m_sources) {
+        source->setNeeded(!chosen);
+        if (!chosen && canTell(*source)) {
+            chosen = source.get();
+        }
+    }
     if (std::exchange(m_source, chosen) != chosen) {
         Q_EMIT activated();
     }
 }
 
 Ability WaylandDesktop::windows() const {
-    if (m_source) {
-        return m_source->ability();
+    Ability told = m_source ? m_source->ability() : Ability{};
+    if (told.kind == Ability::Kind::yes) {
+        return told;
     }
+    // A better source that knows what would help goes before the one that can tell of some windows.
     const auto helpful =
         std::ranges::find_if(m_sources, [](const auto& source) { return !source->ability().note.isEmpty(); });
-    return helpful == m_sources.end() ? Ability{} : (*helpful)->ability();
+    if (helpful == m_sources.end() || helpful->get() == m_source) {
+        return told;
+    }
+    const Ability better = (*helpful)->ability();
+    if (!m_source) {
+        return better;
+    }
+    return {.kind = told.kind,
+            .note = better.note + QStringLiteral("それまでは、") + told.note,
+            .mayBeRequested = better.mayBeRequested || told.mayBeRequested};
 }
 
 Ability WaylandDesktop::titles() const {

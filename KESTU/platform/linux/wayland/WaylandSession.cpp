@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/wayland/WaylandSession.h"
 
+#include "platform/linux/wayland/AccessibleWindows.h"
 #include "platform/linux/wayland/GnomeWindows.h"
 #include "platform/linux/wayland/KWinDpms.h"
 #include "platform/linux/wayland/KWinWindows.h"
@@ -33,6 +34,7 @@ std::vector<std::unique_ptr<WindowSource>> sourcesOf(WaylandConnection& connecti
     sources.push_back(std::make_unique<KWinWindows>(
         sessionBus, QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)));
     sources.push_back(gnomeWindows(sessionBus));
+    sources.push_back(std::make_unique<AccessibleWindows>(sessionBus)); // the last resort
     return sources;
 }
 

@@ -40,6 +40,9 @@ public:
     /// Absent when nothing is in front or that cannot be known. True at this moment, as far as it was told.
     [[nodiscard]] virtual std::optional<SeenWindow> front() = 0;
 
+    /// Whether no better source can tell. Until then a source that costs something stays silent.
+    virtual void setNeeded(bool /*needed*/) {}
+
     /// Does what a program may do itself so that it can tell; the user has asked for it. Takes 0.3 seconds at
     /// most.
     virtual void request() {}
