@@ -30,6 +30,10 @@ const QString fileSuffix = QStringLiteral(".js");
 
 constexpr auto untilNextTry = 250ms;
 
+// KWin gives a number again that a running script has, when another one was unloaded: "run" meets that one
+// then, and ours waits. Starting everybody's is the other way.
+constexpr auto untilAllAreStarted = 1s;
+
 // Calls wait while we do something else, but never for so long.
 constexpr auto longestWay = 10s;
 
@@ -195,8 +199,8 @@ void KWinWindows::unloadStrays() {
     }
 }
 
-/// Plasma 6 puts a script at the first path, Plasma 5 at the other. Only ours is run: "start" starts
-/// everybody's.
+/// Plasma 6 puts a script at the first path, Plasma 5 at the other. Only ours is run, if that works: "start"
+/// starts everybody's.
 void KWinWindows::run(const QString& scriptPath, const QString& otherPath) {
     askKWin({.service = m_kwin.number(),
              .path = scriptPath,
@@ -219,6 +223,12 @@ void KWinWindows::checkLoaded() {
             [this](const std::optional<QVariantList>& answer) {
                 if (!answer || !answer->value(0).toBool()) {
                     become(State::refused);
+                } else {
+                    QTimer::singleShot(untilAllAreStarted, this, [this, round = m_round] {
+                        if (round == m_round && m_state == State::starting) {
+                            askKWin(scripting(QStringLiteral("start")), {}, [](const auto&) {});
+                        }
+                    });
                 }
             });
 }

@@ -61,7 +61,11 @@ QDBusMessage FakeKWin::answer(const QDBusMessage& message) {
         m_loaded.remove(plugin);
         return message.createReply(m_running.remove(plugin) > 0);
     }
-    return message.createReply(m_running.contains(plugin)); // isScriptLoaded
+    if (message.member() == u"start") {
+        startLoaded();
+        return message.createReply();
+    }
+    return message.createReply(m_running.contains(plugin) || m_loaded.contains(plugin)); // isScriptLoaded
 }
 
 QDBusMessage FakeKWin::load(const QDBusMessage& message) {
@@ -78,14 +82,20 @@ QDBusMessage FakeKWin::run(const QDBusMessage& message) {
     if (m_temper == Temper::cannotRun || message.path() != path || message.member() != u"run") {
         return message.createErrorReply(u"org.freedesktop.DBus.Error.UnknownObject"_s, u"no such script"_s);
     }
+    if (m_temper == Temper::dropsAtRun) {
+        m_loaded.clear();
+    } else if (m_temper != Temper::runsAnother) {
+        startLoaded();
+    }
+    return message.createReply();
+}
+
+void FakeKWin::startLoaded() {
     static const QRegularExpression number(u"callDBus\\(\"(:[0-9.]+)\""_s);
     for (const auto& [plugin, file] : m_loaded.asKeyValueRange()) {
-        if (m_temper != Temper::dropsAtRun) {
-            m_running.insert(plugin, number.match(QString::fromUtf8(contentsOf(file))).captured(1));
-        }
+        m_running.insert(plugin, number.match(QString::fromUtf8(contentsOf(file))).captured(1));
     }
     m_loaded.clear();
-    return message.createReply();
 }
 
 void FakeKWin::tell(const QByteArray& json) {

@@ -14,7 +14,15 @@ namespace kestu::test {
 
 class FakeKWin final : public QDBusVirtualObject {
 public:
-    enum class Temper { willing, isStarting, refusesToLoad, cannotRun, dropsAtRun, neverAnswers };
+    enum class Temper {
+        willing,
+        isStarting,
+        refusesToLoad,
+        cannotRun,
+        dropsAtRun,
+        runsAnother,
+        neverAnswers
+    };
 
     FakeKWin(QDBusConnection bus, int plasma, Temper temper = Temper::willing);
     ~FakeKWin() override;
@@ -44,6 +52,7 @@ private:
     [[nodiscard]] QDBusMessage answer(const QDBusMessage& message);
     [[nodiscard]] QDBusMessage load(const QDBusMessage& message);
     [[nodiscard]] QDBusMessage run(const QDBusMessage& message);
+    void startLoaded();
 
     QDBusConnection m_bus;
     int m_plasma;

@@ -96,6 +96,15 @@ TEST_F(KWinWindowsTest, WaitsForAKWinThatHasItsNameBeforeItTakesScripts) {
     EXPECT_TRUE(titleBecomes(*windows, u"seen"_s));
 }
 
+TEST_F(KWinWindowsTest, StartsAllWhereItsNumberIsThatOfAnotherScript) {
+    FakeKWin kwin(m_bus.connect(), 6, Temper::runsAnother);
+    KWinWindows windows(m_bus.connect(), m_folder.path());
+    ASSERT_TRUE(runsScript(kwin));
+    EXPECT_EQ(kwin.calls().last(), u"start"_s);
+    kwin.tell(FakeKWin::window(u"{1}"_s, u"seen"_s));
+    EXPECT_TRUE(titleBecomes(windows, u"seen"_s));
+}
+
 TEST_F(KWinWindowsTest, UnloadsWhatACrashLeftAndLeavesAnotherCopyAlone) {
     FakeKWin kwin(m_bus.connect(), 6);
     kwin.leave(u"kestu-1.99999"_s);
