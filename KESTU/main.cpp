@@ -5,20 +5,25 @@
 #include "app/KestuApp.h"
 #include "app/ReportCommand.h"
 #include "app/SelfCheck.h"
+#include "base/WindowRole.h"
 #include "platform/Accessibility.h"
 #include "platform/Appearance.h"
 #include "platform/Platform.h"
 #include "platform/Workspace.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/ReaderSwitch.h"
+#include "platform/linux/SessionKind.h"
 #include "platform/linux/SingleInstance.h"
+#include "platform/linux/StatusNotifierTray.h"
 #include "platform/linux/TerminationSignals.h"
 #include "storage/RepositoryOpener.h"
 #include "ui/FailureDialog.h"
 #include "ui/Shell.h"
+#include "ui/WindowPlace.h"
 #include "ui/theme/KestuStyle.h"
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QEventLoop>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -26,6 +31,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <optional>
 
 namespace {
@@ -40,9 +46,18 @@ void say(const QString& line) {
     std::fprintf(stderr, "%s\n", line.toUtf8().constData());
 }
 
-int handOverToFirst(const SingleInstance& instance) {
-    say(instance.askFirstToFront() ? QStringLiteral("KESTU はすでに起動しています。前面に表示します。")
-                                   : QStringLiteral("KESTU はすでに起動しています。"));
+/// By which the desktop lets our window come to the front, because the user has started us: of this time
+/// only, so the programs that we start must not find it. (The X11 one Qt takes away itself.)
+QByteArray takeActivationToken() {
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
+}
+
+int handOverToFirst(const SingleInstance& instance, const QByteArray& activationToken) {
+    say(instance.askFirstToFront(activationToken)
+            ? QStringLiteral("KESTU はすでに起動しています。前面に表示します。")
+            : QStringLiteral("KESTU はすでに起動しています。"));
     return EXIT_SUCCESS;
 }
 
@@ -52,8 +67,19 @@ std::unique_ptr<Repository> openStore(const StoreLocation& location) {
     });
 }
 
-/// What is opened at the start: nothing where the session starts KESTU, not the user.
-enum class FirstView { none, window };
+/// Whether the desktop has a tray at this moment.
+std::function<bool()> trayQuestion() {
+    if (mayPlaceWindows()) {
+        return QSystemTrayIcon::isSystemTrayAvailable;
+    }
+    return [] { return isStatusNotifierTrayThere(QDBusConnection::sessionBus()); };
+}
+
+/// How the user has started KESTU.
+struct Start {
+    bool isInBackground = false; // the session has, not the user: nothing is opened
+    QByteArray activationToken{};
+};
 
 /// Light or dark as the user chose; else as the desktop says; where it says nothing, as its own palette
 /// looks.
@@ -82,7 +108,7 @@ protected:
 };
 
 int record(QApplication& application, const SingleInstance& instance, std::unique_ptr<Repository> repository,
-           const QPalette& desktopPalette, FirstView firstView) {
+           const QPalette& desktopPalette, const Start& start) {
     const std::unique_ptr<Platform> platform = startLinuxPlatform();
     Appearance& appearance = platform->appearance();
     KestuApp kestuApp(
@@ -91,7 +117,7 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
          .calendar = systemCalendar,
          .screen = qEnvironmentVariable("KESTU_SCREEN"),
          .assistantServer = QCoreApplication::applicationDirPath() + QStringLiteral("/kestu-mcp")});
-    Shell shell(kestuApp.model(), QSystemTrayIcon::isSystemTrayAvailable);
+    Shell shell(kestuApp.model(), trayQuestion());
     const auto refreshColors = [&] {
         applyTheme(application, wantedColors(kestuApp.model().themeChoice(), appearance, desktopPalette));
     };
@@ -115,8 +141,8 @@ int record(QApplication& application, const SingleInstance& instance, std::uniqu
     QObject::connect(&instance, &SingleInstance::activationRequested, &shell, &Shell::showWindow);
     QTimer::singleShot(0, &application, [&] {
         kestuApp.start();
-        if (firstView == FirstView::window) {
-            shell.showWindow();
+        if (!start.isInBackground) {
+            shell.showWindow(start.activationToken);
         }
         shell.checkForUpdatesQuietly();
     });
@@ -159,7 +185,7 @@ CommandResult check() {
     return reportOf({.session = qEnvironmentVariable("XDG_SESSION_TYPE"),
                      .desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
                      .qtPlatform = QGuiApplication::platformName(),
-                     .hasTray = QSystemTrayIcon::isSystemTrayAvailable(),
+                     .hasTray = trayQuestion()(),
                      .whyUnseen = platform->workspace().whyUnseen(),
                      .abilities = accessibility.abilities()});
 }
@@ -190,10 +216,10 @@ int main(int argc, char* argv[]) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     offerWindowsToReaders();
+    Start start{.activationToken = takeActivationToken()};
     QApplication application(argc, argv);
     QStringList arguments = QApplication::arguments().sliced(1);
-    const auto firstView =
-        arguments.removeOne(QStringLiteral("--background")) ? FirstView::none : FirstView::window;
+    start.isInBackground = arguments.removeOne(QStringLiteral("--background"));
     if (arguments == QStringList(QStringLiteral("--check"))) {
         return finish(check());
     }
@@ -203,7 +229,7 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName(QStringLiteral("KESTU"));
     QApplication::setApplicationDisplayName(QStringLiteral("KESTU"));
     QApplication::setApplicationVersion(QStringLiteral(KESTU_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("kestu"));
+    QApplication::setDesktopFileName(applicationId);
     QApplication::setQuitOnLastWindowClosed(false);
     const QPalette desktopPalette = QApplication::palette();
     installStyle(application);
@@ -212,7 +238,7 @@ int main(int argc, char* argv[]) {
     const StoreLocation location = storeLocationFromEnvironment();
     const SingleInstance instance(prepareDatabasePath(location));
     if (instance.outcome() == SingleInstance::Outcome::second) {
-        return handOverToFirst(instance);
+        return handOverToFirst(instance, start.activationToken);
     }
     std::unique_ptr<Repository> repository;
     try {
@@ -228,5 +254,5 @@ int main(int argc, char* argv[]) {
         say(QStringLiteral("画面がないため起動できません。デスクトップの中で起動してください。"));
         return EXIT_FAILURE;
     }
-    return record(application, instance, std::move(repository), desktopPalette, firstView);
+    return record(application, instance, std::move(repository), desktopPalette, start);
 }

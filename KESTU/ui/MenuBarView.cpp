@@ -6,6 +6,7 @@
 #include "classify/DayAggregation.h"
 #include "classify/DurationText.h"
 #include "ui/Commands.h"
+#include "ui/WindowPlace.h"
 #include "ui/controls/Announcing.h"
 #include "ui/controls/Roles.h"
 #include "ui/controls/Surfaces.h"
@@ -22,14 +23,25 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 namespace kestu {
 namespace {
+
+using namespace std::chrono_literals;
 
 constexpr int panelWidth = 280;
 constexpr int padding = 12;
 constexpr int gap = 10;
 constexpr size_t mostProjects = 5;
+
+/// A compositor need not give a new window the focus, and what never had it cannot lose it.
+constexpr auto longestUnfocused = 10s;
+
+/// Beside the status item; else it is the compositor's to place and to frame, as any window.
+Qt::WindowFlags panelFlags() {
+    return mayPlaceWindows() ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint : Qt::Dialog;
+}
 
 QVBoxLayout* column(QWidget* owner, int spacing) {
     auto* layout = new QVBoxLayout(owner);
@@ -54,7 +66,7 @@ QWidget* makeProjectRow(const Project* project, double seconds) {
 } // namespace
 
 MenuBarView::MenuBarView(AppModel& model, Commands& commands)
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    : QWidget(nullptr, panelFlags())
     , m_model(model)
     , m_total(new TextLabel({}, TextStyle::title3))
     , m_now(new QWidget)
@@ -62,8 +74,8 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     , m_nowTitle(new TextLabel({}, TextStyle::caption, ink::primary, Overflow::elideRight))
     , m_projects(new QWidget) {
     reportRole(this, QAccessible::Window);
-    setAttribute(Qt::WA_TranslucentBackground);
-    setWindowTitle(QStringLiteral("KESTU"));
+    setAttribute(Qt::WA_TranslucentBackground, mayPlaceWindows());
+    setWindowTitle(statusItemTitle.toString());
     setWindowRole(statusItemRole);
     setAccessibleName(QStringLiteral("今日"));
     auto* content = new QWidget;
@@ -90,6 +102,8 @@ MenuBarView::MenuBarView(AppModel& model, Commands& commands)
     panel->addWidget(new Divider(Qt::Horizontal));
     panel->addLayout(makeControls(commands));
 
+    m_unfocused.setSingleShot(true);
+    connect(&m_unfocused, &QTimer::timeout, this, &QWidget::close);
     connect(&m_model, &AppModel::todayTotalChanged, this, &MenuBarView::refreshTotal);
     for (const auto signal : {&AppModel::currentSampleChanged, &AppModel::whyUnseenChanged,
                               &AppModel::isTrackingChanged, &AppModel::abilitiesChanged}) {
@@ -160,10 +174,20 @@ void MenuBarView::refreshProjects() {
 }
 
 void MenuBarView::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::ActivationChange && isVisible() && !isActiveWindow()) {
-        close();
+    if (event->type() == QEvent::ActivationChange && isVisible()) {
+        m_unfocused.stop();
+        if (!isActiveWindow()) {
+            close();
+        }
     }
     QWidget::changeEvent(event);
+}
+
+void MenuBarView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!mayPlaceWindows()) {
+        m_unfocused.start(longestUnfocused);
+    }
 }
 
 void MenuBarView::keyPressEvent(QKeyEvent* event) {
@@ -177,6 +201,10 @@ void MenuBarView::keyPressEvent(QKeyEvent* event) {
 void MenuBarView::paintEvent(QPaintEvent*) {
     const Colors& colors = colorsOf(palette());
     QPainter painter(this);
+    if (!mayPlaceWindows()) {
+        painter.fillRect(rect(), colors.sheet);
+        return;
+    }
     painter.fillRect(rect(), colors.sheetBorder); // what the shape leaves of the corners
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(colors.sheetBorder);
@@ -186,14 +214,16 @@ void MenuBarView::paintEvent(QPaintEvent*) {
 }
 
 void MenuBarView::resizeEvent(QResizeEvent* event) {
-    // Where nothing composes the screen a translucent corner would be black.
-    QBitmap shape(size());
-    shape.fill(Qt::color0);
-    QPainter painter(&shape);
-    painter.setPen(Qt::color1);
-    painter.setBrush(Qt::color1);
-    painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), metrics::radiusCard, metrics::radiusCard);
-    setMask(shape);
+    if (mayPlaceWindows()) {
+        // Where nothing composes the screen a translucent corner would be black.
+        QBitmap shape(size());
+        shape.fill(Qt::color0);
+        QPainter painter(&shape);
+        painter.setPen(Qt::color1);
+        painter.setBrush(Qt::color1);
+        painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), metrics::radiusCard, metrics::radiusCard);
+        setMask(shape);
+    }
     QWidget::resizeEvent(event);
     Q_EMIT resized();
 }

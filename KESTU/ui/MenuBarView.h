@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The small panel of the status item: how much of today is recorded, what is being recorded, the largest
-// projects, and the three controls. It closes when it loses the focus. The shell makes one for each opening.
+// projects, and the three controls. It closes when it loses the focus. Where windows cannot be placed it is
+// an ordinary small window. The shell makes one for each opening.
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
 namespace kestu {
@@ -27,6 +29,7 @@ protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
@@ -42,6 +45,7 @@ private:
     TextLabel* m_nowApp;
     TextLabel* m_nowTitle;
     QWidget* m_projects;
+    QTimer m_unfocused;
 };
 
 /// Where the panel stands: at a side of the anchor (the status item, or where the cursor was) where it covers

@@ -26,6 +26,8 @@ constexpr auto trayWatchInterval = 5s;
 /// A click on the status item takes the focus from an open panel first: it is meant to close it.
 constexpr qint64 samePress = 250; // milliseconds
 
+constexpr const char* activationTokenName = "XDG_ACTIVATION_TOKEN";
+
 QString textOf(const UpdateAnswer& answer) {
     switch (answer.kind) {
     case UpdateAnswer::Kind::available:
@@ -48,12 +50,17 @@ Shell::Shell(AppModel& model, std::function<bool()> isTrayThere)
     , m_commands(model)
     , m_statusItem(model, m_commands) {
     QGuiApplication::setWindowIcon(iconOf(u"kestu"));
-    connect(&m_commands, &Commands::openRequested, this, &Shell::showWindow);
+    connect(&m_commands, &Commands::openRequested, this, [this] { showWindow(); });
     connect(&m_commands, &Commands::quitRequested, this, &Shell::quit);
     connect(&m_commands, &Commands::updateCheckRequested, this, &Shell::checkForUpdates);
     connect(&m_statusItem, &StatusItem::clicked, this, &Shell::togglePanel);
     connect(&m_trayWatch, &QTimer::timeout, this, &Shell::stayReachable);
     m_trayWatch.start(trayWatchInterval);
+    if (mayPlaceWindows()) {
+        m_statusItem.appear(); // into whichever tray comes
+    } else {
+        static_cast<void>(lookForTray());
+    }
 }
 
 Shell::~Shell() {
@@ -81,16 +88,28 @@ void Shell::makeWindow() {
     }
 }
 
-void Shell::showWindow() {
+void Shell::showWindow(const QByteArray& activationToken) {
     makeWindow();
+    if (!activationToken.isEmpty()) {
+        qputenv(activationTokenName, activationToken); // Qt has no other way to take one
+    }
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
+    qunsetenv(activationTokenName); // it was for this one time, and for no program that we start
+}
+
+bool Shell::lookForTray() {
+    const bool isThere = m_isTrayThere();
+    if (isThere) {
+        m_statusItem.appear();
+    }
+    return isThere;
 }
 
 bool Shell::closeOrMinimise() {
-    if (m_isTrayThere()) {
+    if (lookForTray()) {
         return true;
     }
     m_window->showMinimized();
@@ -120,12 +139,15 @@ void Shell::togglePanel() {
         m_sincePanelClosed.start();
         m_statusItem.setToolTipShown(true);
     });
-    m_panelAnchor = QRect(QCursor::pos(), QSize(1, 1)); // where the desktop does not tell the icon's place
     m_panel->adjustSize();
-    placePanel();
-    connect(m_panel, &MenuBarView::resized, this, &Shell::placePanel);
-    m_isPanelCorrected = false;
-    connect(m_panel, &MenuBarView::moved, this, &Shell::correctPanel);
+    if (mayPlaceWindows()) {
+        m_panelAnchor =
+            QRect(QCursor::pos(), QSize(1, 1)); // where the desktop does not tell the icon's place
+        placePanel();
+        connect(m_panel, &MenuBarView::resized, this, &Shell::placePanel);
+        m_isPanelCorrected = false;
+        connect(m_panel, &MenuBarView::moved, this, &Shell::correctPanel);
+    }
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
@@ -170,7 +192,9 @@ void Shell::checkForUpdatesQuietly() {
 }
 
 void Shell::stayReachable() {
-    if (!m_window && !m_isTrayThere()) {
+    // On Wayland it would come to the front, or take half the screen: not every compositor minimises. There
+    // one starts KESTU once more to see it.
+    if (!lookForTray() && !m_window && mayPlaceWindows()) {
         makeWindow();
         // It was not asked for: whoever works now keeps the front, also where windows cannot be minimised.
         m_window->setAttribute(Qt::WA_ShowWithoutActivating);

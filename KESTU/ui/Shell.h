@@ -7,6 +7,7 @@
 #include "ui/Commands.h"
 #include "ui/StatusItem.h"
 
+#include <QByteArray>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
@@ -27,8 +28,9 @@ public:
     Shell(AppModel& model, std::function<bool()> isTrayThere);
     ~Shell() override;
 
-    /// Opens the main window, or brings it to the front.
-    void showWindow();
+    /// Opens the main window, or brings it to the front: where the desktop lets only those come there whom
+    /// the user has called, by the token that says so.
+    void showWindow(const QByteArray& activationToken = {});
 
     /// Asks once, quietly, whether there is a newer version.
     void checkForUpdatesQuietly();
@@ -47,6 +49,7 @@ private:
     void checkForUpdates();
     void showAnswer(const UpdateAnswer& answer);
     void stayReachable();
+    [[nodiscard]] bool lookForTray();
 
     AppModel& m_model;
     std::function<bool()> m_isTrayThere;

@@ -13,17 +13,24 @@ StatusItem::StatusItem(AppModel& model, Commands& commands)
     : m_model(model) {
     commands.fillStatusMenu(m_menu);
     m_menu.setWindowRole(statusItemRole);
-    m_icon.setContextMenu(&m_menu);
-    connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+    connect(&m_model, &AppModel::isTrackingChanged, this, &StatusItem::refreshIcon);
+    connect(&m_model, &AppModel::whyUnseenChanged, this, &StatusItem::refreshIcon);
+    connect(&m_model, &AppModel::abilitiesChanged, this, &StatusItem::refreshIcon);
+}
+
+void StatusItem::appear() {
+    if (m_icon) {
+        return;
+    }
+    m_icon.emplace();
+    m_icon->setContextMenu(&m_menu);
+    connect(&*m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
             Q_EMIT clicked();
         }
     });
-    connect(&m_model, &AppModel::isTrackingChanged, this, &StatusItem::refreshIcon);
-    connect(&m_model, &AppModel::whyUnseenChanged, this, &StatusItem::refreshIcon);
-    connect(&m_model, &AppModel::abilitiesChanged, this, &StatusItem::refreshIcon);
     refreshIcon();
-    m_icon.show();
+    m_icon->show();
 }
 
 QString StatusItem::iconName() const {
@@ -42,12 +49,17 @@ void StatusItem::setToolTipShown(bool shown) {
 }
 
 void StatusItem::refreshIcon() {
-    m_icon.setIcon(trayIconOf(iconName(), m_ink));
-    refreshToolTip();
+    if (m_icon) {
+        m_icon->setIcon(trayIconOf(iconName(), m_ink));
+        refreshToolTip();
+    }
 }
 
 void StatusItem::refreshToolTip() {
-    m_icon.setToolTip(m_isToolTipShown ? QStringLiteral("KESTU：") + trackingStateText(m_model) : QString());
+    if (m_icon) {
+        m_icon->setToolTip(m_isToolTipShown ? QStringLiteral("KESTU：") + trackingStateText(m_model)
+                                            : QString());
+    }
 }
 
 } // namespace kestu

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The icon in the desktop's tray. A click opens the panel, the other button the menu. Owned by the shell.
+// The icon in the desktop's tray, once there is one. A click opens the panel, the other button the menu.
+// Owned by the shell.
 #pragma once
 
 #include <QColor>
@@ -21,8 +22,11 @@ class StatusItem final : public QObject {
 public:
     StatusItem(AppModel& model, Commands& commands);
 
+    /// Shows the icon. Not before there is a tray where Qt would take its first look at it for the last.
+    void appear();
+
     /// Its place on the screen; empty where the desktop does not tell.
-    [[nodiscard]] QRect geometry() const { return m_icon.geometry(); }
+    [[nodiscard]] QRect geometry() const { return m_icon ? m_icon->geometry() : QRect(); }
 
     [[nodiscard]] QMenu& menu() { return m_menu; }
 
@@ -33,7 +37,7 @@ public:
     /// program.
     void setToolTipShown(bool shown);
 
-    [[nodiscard]] QString toolTip() const { return m_icon.toolTip(); }
+    [[nodiscard]] QString toolTip() const { return m_icon ? m_icon->toolTip() : QString(); }
 
     /// What the tray wants symbols drawn in; none where it does not tell.
     void setInk(const std::optional<QColor>& ink);
@@ -49,7 +53,7 @@ private:
     std::optional<QColor> m_ink;
     bool m_isToolTipShown = true;
     QMenu m_menu;
-    QSystemTrayIcon m_icon;
+    std::optional<QSystemTrayIcon> m_icon;
 };
 
 } // namespace kestu

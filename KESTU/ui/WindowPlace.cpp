@@ -70,6 +70,15 @@ std::optional<Place> fromText(const QMap<QString, QString>& text) {
                  .isMaximized = text.value(maximizedKey) == QStringLiteral("yes")};
 }
 
+/// As large as it was, on any screen that may show it.
+QSize sizeAnywhere(const QSize& wanted) {
+    QSize largest;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        largest = largest.expandedTo(screen->availableSize());
+    }
+    return largest.isEmpty() ? wanted : wanted.boundedTo(largest);
+}
+
 QMargins frameOf(const QWidget& window) {
     const QRect outer = window.frameGeometry();
     const QRect inner = window.geometry();
@@ -89,6 +98,10 @@ QList<QRect> roomOfScreens() {
 }
 
 } // namespace
+
+bool mayPlaceWindows() {
+    return !QGuiApplication::platformName().startsWith(u"wayland");
+}
 
 QRect fitted(const QRect& wanted, const QMargins& frame, const QList<QRect>& screens) {
     if (screens.isEmpty()) {
@@ -134,7 +147,11 @@ void WindowPlace::restore() {
         m_window.resize(fitted(QRect({}, m_window.size()), widestFrame, roomOfScreens().first(1)).size());
         return;
     }
-    m_window.setGeometry(fitted(place->content, place->frame, roomOfScreens()));
+    if (mayPlaceWindows()) {
+        m_window.setGeometry(fitted(place->content, place->frame, roomOfScreens()));
+    } else {
+        m_window.resize(sizeAnywhere(place->content.size()));
+    }
     if (place->isMaximized) {
         m_window.setWindowState(Qt::WindowMaximized);
     }
@@ -142,7 +159,7 @@ void WindowPlace::restore() {
 
 /// After the screens have changed.
 void WindowPlace::fit() {
-    if (m_window.isVisible() && m_window.windowState() == Qt::WindowNoState) {
+    if (mayPlaceWindows() && m_window.isVisible() && m_window.windowState() == Qt::WindowNoState) {
         m_window.setGeometry(fitted(m_window.geometry(), frameOf(m_window), roomOfScreens()));
     }
 }
@@ -156,10 +173,16 @@ bool WindowPlace::eventFilter(QObject* watched, QEvent* event) {
 
 void WindowPlace::remember() {
     const auto shaped = Qt::WindowMaximized | Qt::WindowFullScreen;
-    m_model.setWindowPlace(
-        toText({.content = m_window.windowState() & shaped ? m_window.normalGeometry() : m_window.geometry(),
+    Place place{.content = m_window.windowState() & shaped ? m_window.normalGeometry() : m_window.geometry(),
                 .frame = frameOf(m_window),
-                .isMaximized = m_window.isMaximized()}));
+                .isMaximized = m_window.isMaximized()};
+    if (!mayPlaceWindows()) {
+        // The user's next session may have places again.
+        const Place former = fromText(m_model.windowPlace()).value_or(Place{});
+        place.content.moveTopLeft(former.content.topLeft());
+        place.frame = former.frame;
+    }
+    m_model.setWindowPlace(toText(place));
 }
 
 } // namespace kestu

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Where the main window stands: as it was when it was last closed, and always inside a screen that is there
-// now. Belongs to the window; the shell makes it.
+// now. Where windows have no places, its size alone. Belongs to the window; the shell makes it.
 #pragma once
 
 #include <QList>
@@ -35,6 +35,9 @@ private:
     AppModel& m_model;
     QTimer m_fitTimer;
 };
+
+/// Whether windows may say where they stand. Wayland's compositors let none, and tell none where it stands.
+[[nodiscard]] bool mayPlaceWindows();
 
 /// `wanted` without its `frame`, moved and where needed made smaller so that it fits with its frame into the
 /// one of these screens of which it covers most; into the first one when it covers nothing of any.

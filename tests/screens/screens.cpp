@@ -171,8 +171,10 @@ private:
         renderSessions(model, commands);
         m_platform.fakeSettings.booleans[u"welcomeShown"_s] = false;
         renderWindow(model, commands, u"welcome"_s);
+        m_platform.fakeWorkspace.unseen = beforePermission().windows.note;
         m_platform.fakeAccessibility.become(beforePermission());
         renderWindow(model, commands, u"welcome-permission"_s);
+        m_platform.fakeWorkspace.unseen.clear();
         m_platform.fakeAccessibility.become(m_seen);
         model.toggleTracking();
         model.shiftDay(-1);

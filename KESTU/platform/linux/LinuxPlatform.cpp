@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxDisplayAssertions.h"
 #include "platform/linux/LinuxSystemEvents.h"
 #include "platform/linux/PackageKitUpdates.h"
+#include "platform/linux/SessionKind.h"
 #include "platform/linux/Unknown.h"
 #include "platform/linux/X11Session.h"
 #include "platform/linux/wayland/WaylandSession.h"
@@ -44,12 +45,6 @@ private:
     UnknownInput m_input;
     UnknownDisplayPower m_displayPower;
 };
-
-bool isWaylandSession() {
-    // XWayland sets DISPLAY too, and shows X11 programs only: what the session is, these two say.
-    return qEnvironmentVariable("XDG_SESSION_TYPE") == u"wayland" ||
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
 
 std::unique_ptr<DesktopSession> openSession(DesktopSession::IsHeld isHeld) {
     if (isWaylandSession()) {
@@ -120,11 +115,6 @@ private:
 };
 
 } // namespace
-
-bool isDisplayReachable() {
-    QString why;
-    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || Xcb::connect(why) != nullptr;
-}
 
 std::unique_ptr<Platform> startLinuxPlatform() {
     return std::make_unique<LinuxPlatform>();

@@ -13,7 +13,4 @@ namespace kestu {
 /// ever in front, and the workspace says why.
 [[nodiscard]] std::unique_ptr<Platform> startLinuxPlatform();
 
-/// Whether there is a screen to show anything on.
-[[nodiscard]] bool isDisplayReachable();
-
 } // namespace kestu

@@ -8,14 +8,34 @@
 #include <QLocalSocket>
 #include <QStandardPaths>
 #include <QThread>
+#include <QTimer>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 namespace kestu {
 namespace {
+
+using namespace std::chrono_literals;
+
+/// Compositors give some dozen characters, session managers little more.
+constexpr qsizetype longestToken = 512;
+
+/// The second copy says its token at once; an older one has nothing to say and waits.
+constexpr auto untilSaid = 200ms;
+
+/// Empty when that cannot be a token.
+QByteArray tokenIn(QByteArray line) {
+    if (line.endsWith('\n')) {
+        line.chop(1);
+    }
+    const bool isPlain = std::ranges::all_of(line, [](char c) { return c >= ' ' && c <= '~'; });
+    return isPlain && line.size() <= longestToken ? line : QByteArray();
+}
 
 /// One spelling for one file, whichever links and relative parts lead to it and whether it exists yet.
 QString canonicalPath(const QString& path) {
@@ -66,25 +86,46 @@ void SingleInstance::listen() {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server.nextPendingConnection()) {
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            socket->disconnectFromServer();
-            Q_EMIT activationRequested();
+            hear(*socket);
         }
     });
     // Without a socket (no runtime folder) the lock still holds; a second copy then just ends.
     m_server.listen(m_socketPath);
 }
 
-bool SingleInstance::askFirstToFront() const {
+void SingleInstance::hear(QLocalSocket& asker) {
+    const auto answerNow = [this, &asker] { answer(asker); };
+    connect(&asker, &QLocalSocket::disconnected, this, answerNow);
+    connect(&asker, &QLocalSocket::readyRead, this, [&asker, answerNow] {
+        if (asker.canReadLine() || asker.bytesAvailable() > longestToken) {
+            answerNow();
+        }
+    });
+    QTimer::singleShot(untilSaid, &asker, answerNow);
+}
+
+void SingleInstance::answer(QLocalSocket& asker) {
+    if (!asker.disconnect(this)) {
+        return; // answered
+    }
+    const QByteArray token = tokenIn(asker.readLine(longestToken + 2));
+    asker.deleteLater(); // which hangs up
+    Q_EMIT activationRequested(token);
+}
+
+bool SingleInstance::askFirstToFront(const QByteArray& activationToken) const {
     const QDeadlineTimer deadline(2000);
     do {
         QLocalSocket socket;
         socket.connectToServer(m_socketPath);
-        // The first one answers by hanging up.
-        if (socket.waitForConnected(static_cast<int>(deadline.remainingTime())) &&
-            (socket.state() == QLocalSocket::UnconnectedState ||
-             socket.waitForDisconnected(static_cast<int>(deadline.remainingTime())))) {
-            return true;
+        if (socket.waitForConnected(static_cast<int>(deadline.remainingTime()))) {
+            socket.write(tokenIn(activationToken) + '\n');
+            socket.flush();
+            // The first one answers by hanging up.
+            if (socket.state() == QLocalSocket::UnconnectedState ||
+                socket.waitForDisconnected(static_cast<int>(deadline.remainingTime()))) {
+                return true;
+            }
         }
         QThread::msleep(50);
     } while (!deadline.hasExpired());

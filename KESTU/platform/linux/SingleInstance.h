@@ -6,9 +6,12 @@
 // through a local socket.
 #pragma once
 
+#include <QByteArray>
 #include <QLocalServer>
 #include <QObject>
 #include <QString>
+
+class QLocalSocket;
 
 namespace kestu {
 
@@ -28,17 +31,21 @@ public:
 
     [[nodiscard]] Outcome outcome() const { return m_outcome; }
 
-    /// For the second copy: asks the first to come to the front. False when it did not answer within two
-    /// seconds (it may be starting or ending just now).
-    [[nodiscard]] bool askFirstToFront() const;
+    /// For the second copy: asks the first to come to the front, with the token by which the desktop lets it;
+    /// empty for none. False when it did not answer within two seconds (it may be starting or ending just
+    /// now).
+    [[nodiscard]] bool askFirstToFront(const QByteArray& activationToken) const;
 
 Q_SIGNALS:
-    /// For the first copy: the user started another one.
-    void activationRequested();
+    /// For the first copy: the user started another one. The token is empty when it had none, or none that
+    /// could be one.
+    void activationRequested(const QByteArray& activationToken);
 
 private:
     [[nodiscard]] Outcome lock(const QString& lockPath);
     void listen();
+    void hear(QLocalSocket& asker);
+    void answer(QLocalSocket& asker);
 
     QString m_socketPath;
     int m_lockFile = -1;

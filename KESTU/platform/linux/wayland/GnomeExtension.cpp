@@ -242,6 +242,10 @@ Ability GnomeExtension::ability() const {
         return {.kind = Ability::Kind::yes};
     case State::afterLogin:
         return {.kind = Ability::Kind::afterLogin, .note = noteOf(now)};
+    case State::notKnown:
+    case State::off:
+    case State::offByUser:
+        return {.note = noteOf(now), .mayBeRequested = true};
     default:
         return {.note = noteOf(now)};
     }

@@ -18,6 +18,8 @@ public:
     LocalSocket(const LocalSocket&) = delete;
     LocalSocket& operator=(const LocalSocket&) = delete;
 
+    [[nodiscard]] bool isConnected() const { return m_socket >= 0; }
+
     /// For whom the socket stays open, who closes it; -1 when it is not connected.
     [[nodiscard]] int release();
 

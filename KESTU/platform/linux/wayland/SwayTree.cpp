@@ -61,7 +61,7 @@ void readNode(const QJsonObject& node, SwayTree::Answer& answer) {
         }
     }
     for (const QString& kind : {QStringLiteral("nodes"), QStringLiteral("floating_nodes")}) {
-        for (const QJsonValue& child : node.value(kind).toArray()) {
+        for (const auto& child : node.value(kind).toArray()) {
             readNode(child.toObject(), answer);
         }
     }

@@ -64,7 +64,7 @@ struct WaylandConnection::Listeners {
 };
 
 QString WaylandConnection::sessionSocket() {
-    const QString display = qEnvironmentVariable("WAYLAND_DISPLAY", QStringLiteral("wayland-0"));
+    QString display = qEnvironmentVariable("WAYLAND_DISPLAY", QStringLiteral("wayland-0"));
     const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (display.startsWith(u'/')) {
         return display;

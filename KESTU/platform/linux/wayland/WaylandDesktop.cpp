@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/wayland/WaylandDesktop.h"
 
+#include "base/WindowRole.h"
+
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -16,6 +20,15 @@ bool canTell(const WindowSource& source) {
 
 std::optional<Seconds> age(std::optional<Moment> since) {
     return since ? std::optional<Seconds>(Moment::clock::now() - *since) : std::nullopt;
+}
+
+/// By its title, which comes with the window: which of our windows has the focus the compositor tells us
+/// elsewhere, and at another moment.
+bool isOwnPanel(const SeenWindow& window) {
+    const bool isOurs = window.facts.processId > 0
+                            ? window.facts.processId == QCoreApplication::applicationPid()
+                            : window.facts.wmClass == applicationId;
+    return isOurs && window.title == statusItemTitle;
 }
 
 } // namespace
@@ -68,7 +81,7 @@ Ability WaylandDesktop::windows() const {
     if (helpful == m_sources.end() || helpful->get() == m_source) {
         return told;
     }
-    const Ability better = (*helpful)->ability();
+    Ability better = (*helpful)->ability();
     if (!m_source) {
         return better;
     }
@@ -115,7 +128,8 @@ std::optional<FrontmostApplication> WaylandDesktop::frontmostApplication() {
                                 .processId = processId,
                                 .inFrontFor = age(m_front->since),
                                 .titledFor = age(m_front->titledSince),
-                                .isFullscreen = m_front->isFullscreen};
+                                .isFullscreen = m_front->isFullscreen,
+                                .isOwnPanel = isOwnPanel(*m_front)};
 }
 
 QString WaylandDesktop::focusedWindowTitle(std::int64_t processId) {

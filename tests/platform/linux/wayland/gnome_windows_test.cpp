@@ -224,7 +224,7 @@ TEST_F(GnomeWindowsTest, KnowsHowItStandsWithTheExtension) {
         }
         const FakeShell shell(m_bus.connect(), m_settings, known);
         const GnomeExtension extension(m_bus.connect(), settings(), {m_folder.path()});
-        EXPECT_TRUE(waitUntil([&] { return extension.state() == state; }, 2000))
+        EXPECT_TRUE(waitUntil([&, wanted = state] { return extension.state() == wanted; }, 2000))
             << "is " << static_cast<int>(extension.state());
         EXPECT_EQ(extension.ability().kind, kind);
         EXPECT_EQ(extension.ability().note.isEmpty(), kind == Kind::yes);

@@ -81,7 +81,7 @@ TEST(MutterDisplayPowerTest, KnowsTheModeAtTheStartAndHearsEachChange) {
          {std::pair{0, State::on}, std::pair{1, State::asleep}, std::pair{-1, State::unknown},
           std::pair{2, State::asleep}, std::pair{7, State::unknown}, std::pair{3, State::asleep}}) {
         setMode(config, mode);
-        EXPECT_TRUE(waitUntil([&] { return power->state() == state; }, 2000)) << mode;
+        EXPECT_TRUE(waitUntil([&, wanted = state] { return power->state() == wanted; }, 2000)) << mode;
     }
     EXPECT_EQ(changes.count(), 6);
     config.sendSignal(SIGKILL);
