@@ -2,6 +2,7 @@
 //
 // On a real X server with a window manager: what is in front, and the news of it.
 #include "platform/Accessibility.h"
+#include "platform/linux/DesktopEntries.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/X11Desktop.h"
 
@@ -14,6 +15,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <thread>
@@ -151,6 +153,10 @@ TEST_F(X11DesktopTest, ReadsEveryKindOfTitle) {
 
 TEST_F(X11DesktopTest, KnowsAProgramByItsFileByItsToolkitAndAsDesktop) {
     test::installDesktopEntry(u"org.example.Toolkit"_s, u"Name=Toolkit\nExec=true\n"_s);
+    ASSERT_TRUE(waitUntil([] {
+        const auto entries = installedDesktopEntries(); // who is told of new files a moment later
+        return std::ranges::any_of(entries, [](const auto& e) { return e.id == u"org.example.Toolkit"; });
+    }));
     const TestWindow window(*m_programs, "", "own");
     ASSERT_TRUE(comesToFront(window, u"own"_s));
     const QString file = QFileInfo(u"/proc/self/exe"_s).canonicalFilePath();
