@@ -111,8 +111,8 @@ TEST_F(SwayDeskTest, HearsATitleThatChanges) {
     QFile into(pipe);
     ASSERT_TRUE(into.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     into.write("\n");
+    EXPECT_TRUE(waitUntil([&] { return titles > 0; })) << "without a question";
     EXPECT_TRUE(awaitFront(u"org.example.T 後"_s));
-    EXPECT_GT(titles, 0);
     terminal.reset();
     EXPECT_TRUE(awaitFront(u"none"_s));
 }
