@@ -11,6 +11,7 @@
 #include "ui/controls/Roles.h"
 #include "ui/controls/Settling.h"
 #include "ui/controls/Surfaces.h"
+#include "ui/controls/TightLayout.h"
 #include "ui/projects/ProjectsScreen.h"
 #include "ui/report/ReportScreen.h"
 #include "ui/settings/SettingsScreen.h"
@@ -36,14 +37,6 @@ constexpr int narrowSidebarWidth = 180;
 constexpr int compactSidebarWidth = 56;
 constexpr int narrowWindow = 920;
 constexpr int compactWindow = 900;
-
-template<typename Layout>
-Layout* tight(QWidget* owner) {
-    auto* layout = new Layout(owner);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    return layout;
-}
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 #include "ui/controls/FormSection.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/controls/TightLayout.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -16,14 +17,6 @@ namespace {
 constexpr int iconGap = 6;
 constexpr int buttonGap = 8;
 constexpr int rowGap = 12;
-
-template<typename Layout>
-Layout* tight(QWidget* owner, int spacing) {
-    auto* layout = new Layout(owner);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing);
-    return layout;
-}
 
 void follow(AppModel& model, QWidget* widget, const std::function<void()>& refresh) {
     for (const auto signal : {&AppModel::abilitiesChanged, &AppModel::accessibilityGrantedChanged}) {

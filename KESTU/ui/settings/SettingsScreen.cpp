@@ -4,6 +4,7 @@
 #include "app/AppModel.h"
 #include "ui/controls/FormSection.h"
 #include "ui/controls/TextLabel.h"
+#include "ui/controls/TightLayout.h"
 #include "ui/settings/AssistantSection.h"
 #include "ui/settings/ExcludedAppsSection.h"
 #include "ui/settings/PermissionSection.h"
@@ -19,14 +20,6 @@ constexpr int padding = 24;
 constexpr int sectionGap = 24;
 constexpr int widest = 720;
 constexpr int pathGap = 12;
-
-template<typename Layout>
-Layout* tight(QWidget* owner, int spacing) {
-    auto* layout = new Layout(owner);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing);
-    return layout;
-}
 
 FormSection* makeDataSection(AppModel& model) {
     auto* section = new FormSection(QStringLiteral("データ"), Card::Kind::outer);
